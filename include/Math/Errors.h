@@ -1,0 +1,153 @@
+#pragma once
+
+/// @file
+/// The library's errors: their codes, categories and texts.
+///
+/// An operation of the current generation returns a System::Expected that holds one of these codes on
+/// failure:
+///
+/// @code
+/// auto const product = Tervane::Math::BLAS::gemm(NoTranspose, NoTranspose, a, b);
+/// if (!product && product.error() == Tervane::System::ErrorCode2(Tervane::Math::DimensionsMismatch))
+///     std::cerr << product.error().message() << '\n';        // dimensions mismatch
+/// @endcode
+///
+/// Compare codes, not texts. Categories are single objects of the process and are compared by identity; the
+/// accessors are safe from any thread, the objects immutable and alive until the process ends.
+
+#include <Math/Export.h>
+#include <System/ErrorCode.h>
+#include <System/ErrorCode2.h>
+
+#include <cstdint>
+
+namespace Tervane::Math {
+
+/// Failures of the BLAS and LAPACK wrappers; category "math-la".
+enum LinearAlgebraErrc : std::int32_t {
+    TableNotVector = 0,          ///< "table is not a vector"
+    SolutionNotComputed = 1,     ///< "solution could not be computed": a zero pivot
+    FailedToConverge = 2,        ///< "failed to converge"
+    DimensionsMismatch = 3,      ///< "dimensions mismatch": mend the shapes of the operands
+    InvalidParameter = 4,        ///< "invalid parameter": an argument that the driver itself refused
+    ConstraintRankDeficient = 5, ///< "solution could not be computed": the constraints are not independent
+    SystemRankDeficient =
+        6,                  ///< "solution could not be computed": constraints and model do not fix a solution
+    LeastSquaresFailed = 7, ///< no text of its own, and callers see "Unrecognised error (7)": a deficient
+                            ///< rank in `gels`, a decomposition that did not converge in `gelsd`
+    MatrixNotSquare = 8, ///< "matrix is not square"
+    MatrixSingular = 9,  ///< "matrix is singular"
+};
+
+/// Failures of the Fourier transforms; category "math-fft".
+enum FFTErrc : std::int32_t {
+    DescriptorUnusable = 0,        ///< "Descriptor unusable for computation"
+    InvalidConfiguration = 1,      ///< "Invalid settings in one or more configuration parameters"
+    InconsistentConfiguration = 2, ///< "Inconsistent configuration or input parameters"
+    DimensionTooLarge = 3,         ///< "Length of a dimension exceeds maximum size for int32"
+    MemoryError = 4,               ///< "Memory error"
+    DataSizeTooLarge = 5,     ///< "Data size of a transform exceeds maximum size for int32"; never reported
+    InternalError = 6,        ///< "Internal library error"
+    MultithreadedError = 7,   ///< "Multithreaded error"
+    NumberOfThreadsError = 8, ///< "Number of threads error"
+    Unimplemented = 9,        ///< "Unimplemented"
+    UnknownError = 10,        ///< "Unknown error"
+};
+
+/// Failures of conducted-emission settings; category "math-emi".
+enum EMIErrc : std::int32_t {
+    StartFrequencyTooSmall = 0, ///< "Start frequency too small, value should be >= 9000 Hz"
+    StartAboveStop = 1,         ///< "Start frequency larger than stop frequency"
+};
+
+/// Failures of the containers; category "math".
+enum MathErrc : std::int32_t {
+    OddComplexDataLength = 0, ///< "complex vector from data cannot have odd length"
+};
+
+/// @name Categories of the current generation
+/// The one category object of each enumeration. A code that its table does not list has the text
+/// "Unrecognised error (N)".
+/// @{
+TVNMATH_API System::ErrorCategory2 const& linear_algebra_error_category();
+TVNMATH_API System::ErrorCategory2 const& fft_error_category();
+TVNMATH_API System::ErrorCategory2 const& emi_error_category();
+TVNMATH_API System::ErrorCategory2 const& math_error_category();
+/// @}
+
+/// Failures that the legacy generation reports; the values and enumerators of LinearAlgebraErrc, category
+/// "math_la".
+enum class LinearAlgebraErrorCode : std::int32_t {
+    TableNotVector = 0,
+    SolutionNotComputed = 1,
+    FailedToConverge = 2,
+    DimensionsMismatch = 3,
+    InvalidParameter = 4,
+    ConstraintRankDeficient = 5,
+    SystemRankDeficient = 6,
+    LeastSquaresFailed = 7,
+    MatrixNotSquare = 8,
+    MatrixSingular = 9,
+};
+
+/// The legacy category of LinearAlgebraErrorCode.
+class TVNMATH_API LinearAlgebraErrorCategory : public System::ErrorCategory {
+public:
+    LinearAlgebraErrorCategory();
+    ~LinearAlgebraErrorCategory() override;
+
+    /// The text of a code, the same as in the current generation; "unhandled" for every code that the table
+    /// does not list and for `LeastSquaresFailed`.
+    System::String message(int code) const override;
+
+    /// "math_la": with an underscore, where the current category has a hyphen.
+    System::String name() const override;
+
+    /// The one object that codes of this category refer to.
+    static LinearAlgebraErrorCategory const& get();
+};
+
+} // namespace Tervane::Math
+
+namespace Tervane::System {
+
+/// @name Codes from enumerators
+/// Each makes the code of an enumerator in its category.
+/// @{
+template<>
+struct TVNMATH_API ErrorCodeEnumConstructor<Math::LinearAlgebraErrc> {
+    ErrorCode2 operator()(Math::LinearAlgebraErrc e) const;
+};
+
+template<>
+struct TVNMATH_API ErrorCodeEnumConstructor<Math::FFTErrc> {
+    ErrorCode2 operator()(Math::FFTErrc e) const;
+};
+
+template<>
+struct TVNMATH_API ErrorCodeEnumConstructor<Math::EMIErrc> {
+    ErrorCode2 operator()(Math::EMIErrc e) const;
+};
+
+template<>
+struct TVNMATH_API ErrorCodeEnumConstructor<Math::MathErrc> {
+    ErrorCode2 operator()(Math::MathErrc e) const;
+};
+/// @}
+
+/// Makes legacy errors from LinearAlgebraErrorCode. Stateless.
+template<>
+class TVNMATH_API ErrorBuilder<Math::LinearAlgebraErrorCode> {
+public:
+    static ErrorCode make(Math::LinearAlgebraErrorCode code);
+
+    /// @name With a text
+    /// The text is accepted and dropped, the error is that of make(code): callers rely on both forms being
+    /// there.
+    /// @{
+    static ErrorCode make(Math::LinearAlgebraErrorCode code, String&& text);
+    static ErrorCode make(Math::LinearAlgebraErrorCode code, String const& text);
+    /// @}
+};
+
+} // namespace Tervane::System

@@ -1,0 +1,74 @@
+#include "foundation/ElementwiseDispatch.h"
+
+namespace Tervane::Math {
+
+namespace Detail::Kernels {
+
+namespace {
+
+using FourLanes __attribute__((vector_size(32), aligned(8), may_alias)) = double;
+
+} // namespace
+
+// One register of four lanes is the order itself. It is bound by the latency of the addition, which is the
+// price of an order that callers can rely on.
+TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) noexcept {
+    double total = 0.0;
+    std::size_t i = 0;
+    if (n >= 4) {
+        FourLanes lanes = {};
+        for (; i + 4 <= n; i += 4)
+            lanes += *reinterpret_cast<FourLanes const*>(values + i);
+        total = 0.0 + ((lanes[0] + lanes[2]) + (lanes[1] + lanes[3]));
+    }
+    for (; i < n; ++i)
+        total += values[i];
+    return total;
+}
+
+// Eight registers cover the four cycles that an addition takes at two additions a cycle, so memory is the
+// bound.
+TVNMATH_MULTIVERSION double sumInAnyOrder(double const* values, std::size_t n) noexcept {
+    constexpr std::size_t registers = 8;
+    constexpr std::size_t block = 4 * registers;
+    FourLanes lanes[registers] = {};
+    std::size_t i = 0;
+    for (; i + block <= n; i += block)
+        for (std::size_t r = 0; r < registers; ++r)
+            lanes[r] += *reinterpret_cast<FourLanes const*>(values + i + 4 * r);
+    FourLanes total = {};
+    for (std::size_t r = 0; r < registers; ++r)
+        total += lanes[r];
+    return ((total[0] + total[2]) + (total[1] + total[3])) + sumInFourLanes(values + i, n - i);
+}
+
+} // namespace Detail::Kernels
+
+double* ElementwiseDispatch::fill(double* first, double* last, double value) {
+    auto const n = static_cast<std::size_t>(last - first);
+    AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
+    if (isParallel(policy, Detail::ElementCost::Streaming, n))
+        Detail::parallelFor(policy, n, Detail::shortestChunk(Detail::ElementCost::Streaming),
+                            [=](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+                                std::fill(first + begin, first + end, value);
+                            });
+    else
+        std::fill(first, last, value);
+    return last;
+}
+
+double ElementwiseDispatch::sum(double const* first, double const* last) {
+    auto const n = static_cast<std::size_t>(last - first);
+    AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
+    if (!isParallel(policy, Detail::ElementCost::Streaming, n))
+        return Detail::Kernels::sumInFourLanes(first, n);
+    std::array<double, Detail::maximumChunks> partial;
+    std::size_t const chunks =
+        Detail::parallelFor(policy, n, Detail::shortestChunk(Detail::ElementCost::Streaming),
+                            [first, &partial](std::size_t chunk, std::size_t begin, std::size_t end) {
+                                partial[chunk] = Detail::Kernels::sumInAnyOrder(first + begin, end - begin);
+                            });
+    return Detail::Kernels::sumInFourLanes(partial.data(), chunks);
+}
+
+} // namespace Tervane::Math

@@ -1,0 +1,165 @@
+#pragma once
+
+#include "foundation/ExecutionPolicyState.h"
+#include "foundation/Multiversion.h"
+#include "foundation/ParallelFor.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace Tervane::Math {
+
+namespace Detail {
+
+/// What one element of an operation costs, which decides how it is compiled and from which length on other
+/// threads are worth waking. Every operation handed to the dispatch names its cost as `static constexpr
+/// ElementCost cost`.
+enum class ElementCost {
+    Streaming, ///< a few instructions, bound by memory; vectorised, in several instruction sets
+    Function,  ///< a call of a scalar function; nothing to vectorise
+};
+
+/// The shortest range that repays the hand-over to other threads, a few microseconds: measured where the
+/// parallel policies draw level with the inline loop on two cores.
+constexpr std::size_t parallelLimit(ElementCost cost) noexcept {
+    return cost == ElementCost::Streaming ? 32'768 : 1'024;
+}
+
+/// The least that one hand-over is given to do.
+constexpr std::size_t shortestChunk(ElementCost cost) noexcept {
+    return parallelLimit(cost) / 4;
+}
+
+namespace Kernels {
+
+/// @name The library's own loops
+/// The plain form is right for any overlap: the compiler vectorises it where ranges turn out to be disjoint
+/// and otherwise keeps the order, which can be seen when the output overlaps an input partly. It would keep
+/// the order for an output that coincides with an input too, where nobody can see it; hence the independent
+/// form.
+/// @{
+template<class In, class Out, class Op>
+void inOrder(In const* in, Out* out, std::size_t n, Op op) {
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = op(in[i]);
+}
+
+template<class In1, class In2, class Out, class Op>
+void inOrder(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = op(in1[i], in2[i]);
+}
+
+template<class In, class Out, class Op>
+TVNMATH_MULTIVERSION void independent(In const* in, Out* out, std::size_t n, Op op) {
+    TVNMATH_INDEPENDENT_ITERATIONS
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = op(in[i]);
+}
+
+template<class In1, class In2, class Out, class Op>
+TVNMATH_MULTIVERSION void independent(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
+    TVNMATH_INDEPENDENT_ITERATIONS
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = op(in1[i], in2[i]);
+}
+/// @}
+
+/// The sum in an order that callers rely on: four running sums over the elements whose index is 0, 1, 2, 3
+/// modulo 4, joined as (s0 + s2) + (s1 + s3), then what is left over one at a time.
+double sumInFourLanes(double const* values, std::size_t n) noexcept;
+
+/// The sum in whatever order is fastest; for the chunks of a parallel sum, whose order nobody relies on.
+double sumInAnyOrder(double const* values, std::size_t n) noexcept;
+
+} // namespace Kernels
+
+/// Whether the two ranges share memory without beginning at the same place.
+template<class A, class B>
+bool overlapPartly(A const* a, B const* b, std::size_t n) noexcept {
+    auto const beginA = reinterpret_cast<std::uintptr_t>(a);
+    auto const beginB = reinterpret_cast<std::uintptr_t>(b);
+    return beginA != beginB && beginA < beginB + n * sizeof(B) && beginB < beginA + n * sizeof(A);
+}
+
+} // namespace Detail
+
+/// Runs an operation for every element of a range, where the process-wide policy says.
+///
+/// The one place that decides between the library's own loop, the serial standard algorithms and the parallel
+/// ones. The policy is read once, at entry. An element's value is the same on every path. An operation is a
+/// small copyable function object without shared mutable state that does not throw.
+class ElementwiseDispatch {
+public:
+    /// out[i] = op(first[i])
+    /// @return the end of the output
+    template<class In, class Out, class Op>
+    static Out* transform(In const* first, In const* last, Out* out, Op op) {
+        auto const n = static_cast<std::size_t>(last - first);
+        AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
+        if (policy == Sequenced)
+            return std::transform(first, last, out, op);
+        if (isParallel(policy, Op::cost, n))
+            Detail::parallelFor(policy, n, Detail::shortestChunk(Op::cost),
+                                [=](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+                                    inlineTransform(first + begin, out + begin, end - begin, op);
+                                });
+        else
+            inlineTransform(first, out, n, op);
+        return out + n;
+    }
+
+    /// out[i] = op(first1[i], first2[i])
+    /// @return the end of the output
+    template<class In1, class In2, class Out, class Op>
+    static Out* transform(In1 const* first1, In1 const* last1, In2 const* first2, Out* out, Op op) {
+        auto const n = static_cast<std::size_t>(last1 - first1);
+        AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
+        if (policy == Sequenced)
+            return std::transform(first1, last1, first2, out, op);
+        if (isParallel(policy, Op::cost, n))
+            Detail::parallelFor(policy, n, Detail::shortestChunk(Op::cost),
+                                [=](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+                                    inlineTransform(first1 + begin, first2 + begin, out + begin, end - begin,
+                                                    op);
+                                });
+        else
+            inlineTransform(first1, first2, out, n, op);
+        return out + n;
+    }
+
+    /// Sets every element of [first, last) to `value`.
+    /// @return last
+    static double* fill(double* first, double* last, double value);
+
+    /// The sum of the elements, 0.0 for none. Under the parallel policies its order is not fixed; otherwise
+    /// it is that of Detail::Kernels::sumInFourLanes.
+    static double sum(double const* first, double const* last);
+
+private:
+    static bool isParallel(AlgorithmExecutionPolicy policy, Detail::ElementCost cost,
+                           std::size_t n) noexcept {
+        return n >= Detail::parallelLimit(cost) && (policy == Parallel || policy == ParallelUnsequenced);
+    }
+
+    template<class In, class Out, class Op>
+    static void inlineTransform(In const* in, Out* out, std::size_t n, Op op) {
+        if (Op::cost == Detail::ElementCost::Function || Detail::overlapPartly(in, out, n))
+            Detail::Kernels::inOrder(in, out, n, op);
+        else
+            Detail::Kernels::independent(in, out, n, op);
+    }
+
+    template<class In1, class In2, class Out, class Op>
+    static void inlineTransform(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
+        if (Op::cost == Detail::ElementCost::Function || Detail::overlapPartly(in1, out, n)
+            || Detail::overlapPartly(in2, out, n))
+            Detail::Kernels::inOrder(in1, in2, out, n, op);
+        else
+            Detail::Kernels::independent(in1, in2, out, n, op);
+    }
+};
+
+} // namespace Tervane::Math

@@ -1,0 +1,159 @@
+#include "foundation/UnrecognisedError.h"
+
+#include <Math/Errors.h>
+#include <System/Expected.h>
+#include <System/String.h>
+#include <System/String2.h>
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace Tervane::Math {
+
+namespace {
+
+using System::ErrorCategory2;
+using System::String2;
+
+using Text = char8_t const*;
+
+// The text of code k is element k; a null one marks a code without a text of its own. Both generations of the
+// linear-algebra categories read the first table.
+constexpr std::array<Text, 10> linearAlgebraTexts = {
+    u8"table is not a vector",
+    u8"solution could not be computed",
+    u8"failed to converge",
+    u8"dimensions mismatch",
+    u8"invalid parameter",
+    u8"solution could not be computed",
+    u8"solution could not be computed",
+    nullptr,
+    u8"matrix is not square",
+    u8"matrix is singular",
+};
+
+constexpr std::array<Text, 11> fftTexts = {
+    u8"Descriptor unusable for computation",
+    u8"Invalid settings in one or more configuration parameters",
+    u8"Inconsistent configuration or input parameters",
+    u8"Length of a dimension exceeds maximum size for int32",
+    u8"Memory error",
+    u8"Data size of a transform exceeds maximum size for int32",
+    u8"Internal library error",
+    u8"Multithreaded error",
+    u8"Number of threads error",
+    u8"Unimplemented",
+    u8"Unknown error",
+};
+
+constexpr std::array<Text, 2> emiTexts = {
+    u8"Start frequency too small, value should be >= 9000 Hz",
+    u8"Start frequency larger than stop frequency",
+};
+
+constexpr std::array<Text, 1> mathTexts = {
+    u8"complex vector from data cannot have odd length",
+};
+
+template<std::size_t N>
+Text textOf(std::array<Text, N> const& texts, int code) {
+    return code >= 0 && static_cast<std::size_t>(code) < N ? texts[static_cast<std::size_t>(code)] : nullptr;
+}
+
+template<std::size_t N>
+String2 messageOf(std::array<Text, N> const& texts, int code) {
+    Text const text = textOf(texts, code);
+    return text != nullptr ? String2(text) : Detail::unrecognisedErrorText(System::toString(code));
+}
+
+} // namespace
+
+System::ErrorCategory2 const& linear_algebra_error_category() {
+    class LinearAlgebraErrorCategory final : public ErrorCategory2 {
+        String2 message(int code) const override { return messageOf(linearAlgebraTexts, code); }
+        char const* name() const override { return "math-la"; }
+    };
+    static LinearAlgebraErrorCategory const category;
+    return category;
+}
+
+System::ErrorCategory2 const& fft_error_category() {
+    class FFTErrorCategory final : public ErrorCategory2 {
+        String2 message(int code) const override { return messageOf(fftTexts, code); }
+        char const* name() const override { return "math-fft"; }
+    };
+    static FFTErrorCategory const category;
+    return category;
+}
+
+System::ErrorCategory2 const& emi_error_category() {
+    class EMIErrorCategory final : public ErrorCategory2 {
+        String2 message(int code) const override { return messageOf(emiTexts, code); }
+        char const* name() const override { return "math-emi"; }
+    };
+    static EMIErrorCategory const category;
+    return category;
+}
+
+System::ErrorCategory2 const& math_error_category() {
+    class MathErrorCategory final : public ErrorCategory2 {
+        String2 message(int code) const override { return messageOf(mathTexts, code); }
+        char const* name() const override { return "math"; }
+    };
+    static MathErrorCategory const category;
+    return category;
+}
+
+LinearAlgebraErrorCategory::LinearAlgebraErrorCategory() = default;
+LinearAlgebraErrorCategory::~LinearAlgebraErrorCategory() = default;
+
+System::String LinearAlgebraErrorCategory::message(int code) const {
+    Text const text = textOf(linearAlgebraTexts, code);
+    return System::String(text != nullptr ? text : u8"unhandled");
+}
+
+System::String LinearAlgebraErrorCategory::name() const {
+    return System::String(u8"math_la");
+}
+
+LinearAlgebraErrorCategory const& LinearAlgebraErrorCategory::get() {
+    static LinearAlgebraErrorCategory const category;
+    return category;
+}
+
+} // namespace Tervane::Math
+
+namespace Tervane::System {
+
+ErrorCode2 ErrorCodeEnumConstructor<Math::LinearAlgebraErrc>::operator()(Math::LinearAlgebraErrc e) const {
+    return ErrorCode2(static_cast<int>(e), Math::linear_algebra_error_category());
+}
+
+ErrorCode2 ErrorCodeEnumConstructor<Math::FFTErrc>::operator()(Math::FFTErrc e) const {
+    return ErrorCode2(static_cast<int>(e), Math::fft_error_category());
+}
+
+ErrorCode2 ErrorCodeEnumConstructor<Math::EMIErrc>::operator()(Math::EMIErrc e) const {
+    return ErrorCode2(static_cast<int>(e), Math::emi_error_category());
+}
+
+ErrorCode2 ErrorCodeEnumConstructor<Math::MathErrc>::operator()(Math::MathErrc e) const {
+    return ErrorCode2(static_cast<int>(e), Math::math_error_category());
+}
+
+ErrorCode ErrorBuilder<Math::LinearAlgebraErrorCode>::make(Math::LinearAlgebraErrorCode code) {
+    return ErrorCode(static_cast<int>(code), Math::LinearAlgebraErrorCategory::get());
+}
+
+ErrorCode ErrorBuilder<Math::LinearAlgebraErrorCode>::make(Math::LinearAlgebraErrorCode code,
+                                                           String&& /*text*/) {
+    return make(code);
+}
+
+ErrorCode ErrorBuilder<Math::LinearAlgebraErrorCode>::make(Math::LinearAlgebraErrorCode code,
+                                                           String const& /*text*/) {
+    return make(code);
+}
+
+} // namespace Tervane::System

@@ -1,0 +1,24 @@
+#pragma once
+
+/// TVNMATH_MULTIVERSION compiles a loop for several instruction sets, of which the loader picks the machine's
+/// best: while the data is in the first-level cache that is worth a factor of two and more over the baseline.
+/// No version fuses multiplications and additions, so all of them give the same bits.
+///
+/// clang 14 does not take the attribute on function templates, and the loader runs its resolvers before the
+/// sanitizers are ready; there the baseline is enough.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__OPTIMIZE__)                 \
+    && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#    define TVNMATH_MULTIVERSION __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#    define TVNMATH_MULTIVERSION
+#endif
+
+/// TVNMATH_INDEPENDENT_ITERATIONS tells the compiler that no iteration of the next loop reads what another
+/// one writes.
+#if defined(__clang__)
+#    define TVNMATH_INDEPENDENT_ITERATIONS _Pragma("clang loop vectorize(assume_safety)")
+#elif defined(__GNUC__)
+#    define TVNMATH_INDEPENDENT_ITERATIONS _Pragma("GCC ivdep")
+#else
+#    define TVNMATH_INDEPENDENT_ITERATIONS
+#endif
