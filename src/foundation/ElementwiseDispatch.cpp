@@ -2,16 +2,13 @@
 
 namespace Tervane::Math {
 
-namespace Detail::Kernels {
-
 namespace {
 
 using FourLanes __attribute__((vector_size(32), aligned(8), may_alias)) = double;
 
-} // namespace
-
-// One register of four lanes is the order itself. It is bound by the latency of the addition, which is the
-// price of an order that callers can rely on.
+// The order that callers rely on: four running sums over the elements whose index is 0, 1, 2, 3 modulo 4,
+// joined as (s0 + s2) + (s1 + s3), then what is left over one at a time. One register of four lanes is that
+// order itself. It is bound by the latency of the addition, which is the price of a fixed order.
 TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) noexcept {
     double total = 0.0;
     std::size_t i = 0;
@@ -26,8 +23,8 @@ TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) 
     return total;
 }
 
-// Eight registers cover the four cycles that an addition takes at two additions a cycle, so memory is the
-// bound.
+// For the chunks of a parallel sum, whose order nobody relies on. Eight registers cover the four cycles that
+// an addition takes at two additions a cycle, so memory is the bound.
 TVNMATH_MULTIVERSION double sumInAnyOrder(double const* values, std::size_t n) noexcept {
     constexpr std::size_t registers = 8;
     constexpr std::size_t block = 4 * registers;
@@ -42,7 +39,7 @@ TVNMATH_MULTIVERSION double sumInAnyOrder(double const* values, std::size_t n) n
     return ((total[0] + total[2]) + (total[1] + total[3])) + sumInFourLanes(values + i, n - i);
 }
 
-} // namespace Detail::Kernels
+} // namespace
 
 double* ElementwiseDispatch::fill(double* first, double* last, double value) {
     auto const n = static_cast<std::size_t>(last - first);
@@ -61,14 +58,14 @@ double ElementwiseDispatch::sum(double const* first, double const* last) {
     auto const n = static_cast<std::size_t>(last - first);
     AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
     if (!isParallel(policy, Detail::ElementCost::Streaming, n))
-        return Detail::Kernels::sumInFourLanes(first, n);
+        return sumInFourLanes(first, n);
     std::array<double, Detail::maximumChunks> partial;
     std::size_t const chunks =
         Detail::parallelFor(policy, n, Detail::shortestChunk(Detail::ElementCost::Streaming),
                             [first, &partial](std::size_t chunk, std::size_t begin, std::size_t end) {
-                                partial[chunk] = Detail::Kernels::sumInAnyOrder(first + begin, end - begin);
+                                partial[chunk] = sumInAnyOrder(first + begin, end - begin);
                             });
-    return Detail::Kernels::sumInFourLanes(partial.data(), chunks);
+    return sumInFourLanes(partial.data(), chunks);
 }
 
 } // namespace Tervane::Math

@@ -53,26 +53,19 @@ void inOrder(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
 }
 
 template<class In, class Out, class Op>
-TVNMATH_MULTIVERSION void independent(In const* in, Out* out, std::size_t n, Op op) {
+TVNMATH_MULTIVERSION static void independent(In const* in, Out* out, std::size_t n, Op op) {
     TVNMATH_INDEPENDENT_ITERATIONS
     for (std::size_t i = 0; i < n; ++i)
         out[i] = op(in[i]);
 }
 
 template<class In1, class In2, class Out, class Op>
-TVNMATH_MULTIVERSION void independent(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
+TVNMATH_MULTIVERSION static void independent(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
     TVNMATH_INDEPENDENT_ITERATIONS
     for (std::size_t i = 0; i < n; ++i)
         out[i] = op(in1[i], in2[i]);
 }
 /// @}
-
-/// The sum in an order that callers rely on: four running sums over the elements whose index is 0, 1, 2, 3
-/// modulo 4, joined as (s0 + s2) + (s1 + s3), then what is left over one at a time.
-double sumInFourLanes(double const* values, std::size_t n) noexcept;
-
-/// The sum in whatever order is fastest; for the chunks of a parallel sum, whose order nobody relies on.
-double sumInAnyOrder(double const* values, std::size_t n) noexcept;
 
 } // namespace Kernels
 

@@ -4,6 +4,9 @@
 /// best: while the data is in the first-level cache that is worth a factor of two and more over the baseline.
 /// No version fuses multiplications and additions, so all of them give the same bits.
 ///
+/// Use it on functions with internal linkage only: the loader's entry points of others would be exported,
+/// whatever their visibility.
+///
 /// clang 14 does not take the attribute on function templates, and the loader runs its resolvers before the
 /// sanitizers are ready; there the baseline is enough.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__OPTIMIZE__)                 \
