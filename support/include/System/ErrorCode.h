@@ -1,0 +1,84 @@
+/// @file
+/// Error codes of the old generation, which operations report through a trailing `ErrorCode&`.
+///
+/// @code
+/// ErrorCode error;
+/// Matrix product = a.multiply(b, error);
+/// if (error.hasError()) {
+///     report(error.message());
+/// }
+/// @endcode
+#pragma once
+
+#include <System/Export.h>
+#include <System/String.h>
+
+#include <exception>
+
+namespace Tervane::System {
+
+/// What a family of old-generation codes means: its name and a text for each code.
+///
+/// A category is one immutable object for the whole process and may be used from any thread.
+class TVNCORE_API ErrorCategory {
+public:
+    virtual ~ErrorCategory();
+
+    /// The text of @p code for a person to read.
+    virtual String message(int code) const = 0;
+    /// The category's name.
+    virtual String name() const = 0;
+
+protected:
+    ErrorCategory() noexcept;
+    ErrorCategory(ErrorCategory const& other) noexcept;
+    ErrorCategory& operator=(ErrorCategory const& other) noexcept;
+};
+
+/// How an operation of the old generation ended: without an error, with a code of a category, with the
+/// description of an exception, or with a failure of which nothing is known.
+class TVNCORE_API ErrorCode {
+public:
+    /// No error.
+    ErrorCode() noexcept;
+    /// @p code of @p category, which must outlive this object. Any code is an error, 0 included.
+    ErrorCode(int code, ErrorCategory const& category) noexcept;
+    ErrorCode(ErrorCode const& other);
+    ErrorCode(ErrorCode&& other) noexcept;
+    virtual ~ErrorCode();
+    ErrorCode& operator=(ErrorCode const& other);
+    ErrorCode& operator=(ErrorCode&& other) noexcept;
+
+    /// Takes over the state of @p other: its code, its category and its text.
+    void assign(ErrorCode const& other);
+    /// Describes a caught exception by its `what()`. If memory for the text is lacking, the text is left out.
+    void assign(std::exception const& exception) noexcept;
+    /// Says that something failed and nothing more is known.
+    void assignUnknown() noexcept;
+
+    /// Whether there is an error, of whatever kind.
+    bool hasError() const noexcept { return _state != State::NoError; }
+    /// Whether there is an error of which nothing is known.
+    bool isUnknown() const noexcept { return _state == State::Unknown; }
+    /// The code; 0 without an error, -1 when it is unknown or describes an exception.
+    int code() const noexcept { return _code; }
+    /// The category of the code; null without an error, and when it is unknown or describes an exception.
+    ErrorCategory const* category() const noexcept { return _category; }
+    /// The category's text for the code, the `what()` of the exception, "unknown error", or nothing without
+    /// an error.
+    String message() const;
+
+private:
+    enum class State { NoError, Coded, Described, Unknown };
+
+    int _code;
+    ErrorCategory const* _category;
+    State _state;
+    String _description;
+};
+
+/// Makes an `ErrorCode` of an enumerator of `E`; each enumeration of codes brings its own specialisation.
+template<class E>
+class ErrorBuilder;
+
+} // namespace Tervane::System

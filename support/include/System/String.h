@@ -1,0 +1,53 @@
+/// @file
+/// `String`, the string type of the old generation.
+///
+/// @code
+/// String name = u8"math_la";
+/// std::string narrow = name.narrow();
+/// @endcode
+#pragma once
+
+#include <System/Export.h>
+#include <System/String2.h>
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+
+namespace Tervane::System {
+
+/// UTF-8 text that owns its bytes; a polymorphic class.
+///
+/// A moved-from string is empty. Constant operations may run on several threads at once.
+class TVNCORE_API String {
+public:
+    /// The empty string.
+    String() noexcept;
+    /// Copies the zero-terminated @p text, which is trusted to be UTF-8.
+    String(char8_t const* text);
+    /// Takes over the bytes of @p text.
+    explicit String(String2&& text) noexcept;
+    String(String const& other);
+    String(String&& other) noexcept;
+    virtual ~String();
+    String& operator=(String const& other);
+    String& operator=(String&& other) noexcept;
+
+    /// The bytes, followed by a zero; never null. Valid until the string is changed, moved from or destroyed.
+    char8_t const* data() const noexcept;
+    /// The number of bytes, the terminating zero not counted.
+    std::size_t length() const noexcept;
+    /// The same bytes as a narrow string.
+    std::string narrow() const;
+
+    /// Whether both hold the same bytes.
+    TVNCORE_API friend bool operator==(String const& left, String const& right) noexcept;
+
+    /// Writes the bytes to @p stream.
+    TVNCORE_API friend std::ostream& operator<<(std::ostream& stream, String const& text);
+
+private:
+    String2 _text;
+};
+
+} // namespace Tervane::System
