@@ -7,13 +7,12 @@
 
 #include <array>
 #include <cstddef>
-#include <utility>
+#include <span>
 
 namespace Tervane::Math {
 
 namespace {
 
-using System::ErrorCategory2;
 using System::String2;
 
 using Text = char8_t const*;
@@ -56,52 +55,47 @@ constexpr std::array<Text, 1> mathTexts = {
     u8"complex vector from data cannot have odd length",
 };
 
-template<std::size_t N>
-Text textOf(std::array<Text, N> const& texts, int code) {
-    return code >= 0 && static_cast<std::size_t>(code) < N ? texts[static_cast<std::size_t>(code)] : nullptr;
+Text textOf(std::span<Text const> texts, int code) {
+    auto const index = static_cast<unsigned>(code); // a negative code is beyond every table
+    return index < texts.size() ? texts[index] : nullptr;
 }
 
-template<std::size_t N>
-String2 messageOf(std::array<Text, N> const& texts, int code) {
-    Text const text = textOf(texts, code);
-    return text != nullptr ? String2(text) : Detail::unrecognisedErrorText(System::toString(code));
-}
+/// A category of the current generation: a name and the table of its texts.
+class TableCategory final : public System::ErrorCategory2 {
+public:
+    TableCategory(char const* name, std::span<Text const> texts) : _name(name), _texts(texts) {}
+
+    String2 message(int code) const override {
+        Text const text = textOf(_texts, code);
+        return text != nullptr ? String2(text) : Detail::unrecognisedErrorText(System::toString(code));
+    }
+
+    char const* name() const override { return _name; }
+
+private:
+    char const* _name;
+    std::span<Text const> _texts;
+};
 
 } // namespace
 
 System::ErrorCategory2 const& linear_algebra_error_category() {
-    class LinearAlgebraErrorCategory final : public ErrorCategory2 {
-        String2 message(int code) const override { return messageOf(linearAlgebraTexts, code); }
-        char const* name() const override { return "math-la"; }
-    };
-    static LinearAlgebraErrorCategory const category;
+    static TableCategory const category("math-la", linearAlgebraTexts);
     return category;
 }
 
 System::ErrorCategory2 const& fft_error_category() {
-    class FFTErrorCategory final : public ErrorCategory2 {
-        String2 message(int code) const override { return messageOf(fftTexts, code); }
-        char const* name() const override { return "math-fft"; }
-    };
-    static FFTErrorCategory const category;
+    static TableCategory const category("math-fft", fftTexts);
     return category;
 }
 
 System::ErrorCategory2 const& emi_error_category() {
-    class EMIErrorCategory final : public ErrorCategory2 {
-        String2 message(int code) const override { return messageOf(emiTexts, code); }
-        char const* name() const override { return "math-emi"; }
-    };
-    static EMIErrorCategory const category;
+    static TableCategory const category("math-emi", emiTexts);
     return category;
 }
 
 System::ErrorCategory2 const& math_error_category() {
-    class MathErrorCategory final : public ErrorCategory2 {
-        String2 message(int code) const override { return messageOf(mathTexts, code); }
-        char const* name() const override { return "math"; }
-    };
-    static MathErrorCategory const category;
+    static TableCategory const category("math", mathTexts);
     return category;
 }
 
