@@ -1,0 +1,71 @@
+#pragma once
+
+/// @file
+/// The view of a vector in the legacy generation.
+///
+/// @code
+/// double const samples[] = {1.0, 2.0, 3.0, 4.0};
+/// Tervane::Math::ViewVector const all(samples, 4, Tervane::Math::Column);
+/// Tervane::Math::ViewVector const middle = all.sliced(1, 2);           // 2, 3
+/// Tervane::Math::ViewVector const column(matrix, 0);                   // the first column of a Matrix
+/// @endcode
+
+#include <Math/BasicObject.h>
+#include <Math/Export.h>
+#include <Math/Index.h>
+#include <Math/VectorOrientation.h>
+
+#include <cstddef>
+
+namespace Tervane::Math {
+
+/// A vector whose elements belong to someone else. It holds an address, a length and an orientation: copying
+/// it copies these and never the elements. The elements must outlive the view and stay where they are.
+///
+/// An empty view reports length() 1 and its end() is one element behind data(), because it keeps the
+/// default of AbstractVector; callers rely on it. Nothing is tested; at() is. A moved-from view may only be
+/// destroyed or assigned to.
+class TVNMATH_API ViewVector : public System::BasicObject<AbstractVector> {
+public:
+    /// An empty column at the null address.
+    ViewVector();
+
+    /// The `n` doubles at `p`.
+    ViewVector(double const* p, std::size_t n, VectorOrientation orientation);
+
+    /// All elements of a vector, in its orientation.
+    explicit ViewVector(Vector const& v);
+
+    /// A column of a matrix, as a column: rows() elements from the one at row 0, of which the matrix tells
+    /// the address. The column number is not tested.
+    ViewVector(Matrix const& m, std::size_t column);
+
+    ViewVector(ViewVector const& other);
+    ViewVector(ViewVector&& other) noexcept;
+    ViewVector& operator=(ViewVector const& other);
+    ViewVector& operator=(ViewVector&& other) noexcept;
+    ~ViewVector() override;
+
+    /// The `n` elements from `start` on, in the same orientation.
+    ViewVector sliced(std::size_t start, std::size_t n) const;
+
+    /// @name Elements
+    /// @{
+
+    /// By the index's row in a column, by its column in any other orientation.
+    double const& operator[](Index const& i) const override;
+    double const& operator[](std::size_t i) const override;
+    double const* data() const override;
+    double const* begin() const;
+    double const* end() const;
+    /// @}
+
+    /// @name Shape
+    /// @{
+    std::size_t columns() const override;
+    std::size_t rows() const override;
+    VectorOrientation orientation() const override;
+    /// @}
+};
+
+} // namespace Tervane::Math
