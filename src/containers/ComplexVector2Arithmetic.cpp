@@ -1,0 +1,149 @@
+#include "containers/Access.h"
+#include "foundation/ElementwiseDispatch.h"
+#include "foundation/Operations.h"
+
+#include <Math/ComplexVector2.h>
+#include <Math/Vector2.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstddef>
+#include <limits>
+#include <utility>
+
+namespace Tervane::Math {
+
+namespace {
+
+using Detail::ContainerAccess;
+using Detail::Divide;
+using Detail::Multiply;
+using Detail::WithRightScalar;
+using Complex = std::complex<double>;
+
+/// d / z by Smith's scaling, with every branch turned into a choice of operands so that it vectorises. A term
+/// that is multiplied by zero or added to it stays: it decides the sign of a zero and what infinities give.
+struct ScalarOver {
+    static constexpr Detail::ElementCost cost = Detail::ElementCost::Streaming;
+    double d;
+
+    Complex operator()(Complex z) const {
+        constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+        double const a = z.real();
+        double const b = z.imag();
+        bool const realIsLarger = std::abs(a) > std::abs(b);
+        double const larger = realIsLarger ? a : b;
+        double const smaller = realIsLarger ? b : a;
+        double const r = smaller / larger;
+        double const scaled = r * smaller + larger;
+        double const realPart = realIsLarger ? d + 0.0 * r : d * r + 0.0;
+        double const imaginaryPart = realIsLarger ? 0.0 - d * r : 0.0 * r - d;
+
+        // z = 0 divides by a as it is. A NaN in z makes `scaled` NaN, and compares unequal to zero.
+        bool const isZero = (a == 0.0) & (b == 0.0);
+        double const denominator = isZero ? a : scaled;
+        double const real = (isZero ? d : realPart) / denominator;
+        double const imaginary = (isZero ? 0.0 : imaginaryPart) / denominator;
+        bool const isUndefined = (scaled != scaled) | (scaled == 0.0);
+        bool const isNaN = isUndefined & !isZero;
+        return {isNaN ? nan : real, isNaN ? nan : imaginary};
+    }
+};
+
+/// The elements as one range of doubles: a real scalar does the same to both parts.
+template<class Op>
+void scale(double const* parts, std::size_t n, double* out, double scalar) {
+    ElementwiseDispatch::transform(parts, parts + 2 * n, out, WithRightScalar<Op>{scalar});
+}
+
+/// A vector for the result, in the shape of `model`.
+ComplexVector2 shapedAs(auto const& model) {
+    return ContainerAccess::uninitialisedComplex(model.length(), ContainerAccess::orientation(model));
+}
+
+template<class Op>
+ComplexVector2 freshlyScaled(ComplexVector2 const& z, double scalar) {
+    ComplexVector2 result = shapedAs(z);
+    scale<Op>(z.data(), z.length(), result.data(), scalar);
+    return result;
+}
+
+/// z[k] * v[k], for a vector or a view z.
+ComplexVector2 freshProduct(auto const& z, Vector2 const& v) {
+    ComplexVector2 result = shapedAs(z);
+    auto const* const first = reinterpret_cast<Complex const*>(z.data());
+    ElementwiseDispatch::transform(first, first + z.length(), v.data(), ContainerAccess::elements(result),
+                                   Multiply());
+    return result;
+}
+
+void divideScalar(double d, ComplexVector2 const& z, ComplexVector2& result) {
+    Complex const* const first = ContainerAccess::elements(z);
+    ElementwiseDispatch::transform(first, first + z.length(), ContainerAccess::elements(result),
+                                   ScalarOver{d});
+}
+
+} // namespace
+
+ComplexVector2& ComplexVector2::operator*=(double const& right) {
+    scale<Multiply>(data(), length(), data(), right);
+    return *this;
+}
+
+ComplexVector2& ComplexVector2::operator/=(double const& right) {
+    scale<Divide>(data(), length(), data(), right);
+    return *this;
+}
+
+ComplexVector2& ComplexVector2::operator*=(Vector2 const& right) {
+    Complex* const first = ContainerAccess::elements(*this);
+    ElementwiseDispatch::transform(std::as_const(_elements).begin(), std::as_const(_elements).end(),
+                                   right.data(), first, Multiply());
+    return *this;
+}
+
+ComplexVector2 operator*(ComplexVector2&& left, double const& right) {
+    return std::move(left *= right);
+}
+ComplexVector2 operator*(ComplexVector2 const& left, double const& right) {
+    return freshlyScaled<Multiply>(left, right);
+}
+ComplexVector2 operator*(double const& left, ComplexVector2&& right) {
+    return std::move(right *= left);
+}
+ComplexVector2 operator*(double const& left, ComplexVector2 const& right) {
+    return right * left;
+}
+ComplexVector2 operator*(ComplexVector2&& left, Vector2 const& right) {
+    return std::move(left *= right);
+}
+ComplexVector2 operator*(ComplexVector2 const& left, Vector2 const& right) {
+    return freshProduct(left, right);
+}
+ComplexVector2 operator*(Vector2 const& left, ComplexVector2&& right) {
+    return std::move(right *= left);
+}
+ComplexVector2 operator*(Vector2 const& left, ComplexVector2 const& right) {
+    return right * left;
+}
+ComplexVector2 operator*(ComplexVectorView2 const& left, Vector2 const& right) {
+    return freshProduct(left, right);
+}
+ComplexVector2 operator/(ComplexVector2&& left, double const& right) {
+    return std::move(left /= right);
+}
+ComplexVector2 operator/(ComplexVector2 const& left, double const& right) {
+    return freshlyScaled<Divide>(left, right);
+}
+ComplexVector2 operator/(double const& left, ComplexVector2&& right) {
+    divideScalar(left, right, right);
+    return std::move(right);
+}
+ComplexVector2 operator/(double const& left, ComplexVector2 const& right) {
+    ComplexVector2 result = shapedAs(right);
+    divideScalar(left, right, result);
+    return result;
+}
+
+} // namespace Tervane::Math
