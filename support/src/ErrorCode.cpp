@@ -27,7 +27,7 @@ void ErrorCode::assign(ErrorCode const& other) {
 void ErrorCode::assign(std::exception const& exception) noexcept {
     String description;
     try {
-        description = String(detail::textOf(exception.what()));
+        description = String(detail::textOf(exception.what()).data());
     } catch (std::exception const&) {
         // What is reported may itself be a lack of memory.
     }

@@ -1,13 +1,11 @@
 #include <System/String.h>
 
 #include <ostream>
-#include <utility>
 
 namespace Tervane::System {
 
 String::String() noexcept = default;
 String::String(char8_t const* text) : _text(text) {}
-String::String(String2&& text) noexcept : _text(std::move(text)) {}
 String::String(String const& other) = default;
 String::String(String&& other) noexcept = default;
 String::~String() = default;

@@ -166,9 +166,9 @@ Expected<String2, ErrorCode2> toString(int number) {
 }
 
 Expected<String2, ErrorCode2> utf8ToUtf8(char const* bytes, std::size_t length) {
-    return guard<String2>([&] {
+    return guard<String2>([&]() -> Expected<String2, ErrorCode2> {
         if (!isUtf8(bytes, length)) {
-            throw std::errc::illegal_byte_sequence;
+            return std::errc::illegal_byte_sequence;
         }
         return String2(bytes, length);
     });

@@ -38,11 +38,11 @@ namespace detail {
 /// Ignoring a result draws a warning. A result may be read from several threads at once.
 ///
 /// @tparam T an object type, which may be a pointer.
-/// @tparam E `ErrorCode2`; moving it must not throw.
+/// @tparam E `ErrorCode2`.
 template<class T, class E>
 class [[nodiscard]] Expected {
     static_assert(std::is_object_v<T> && !std::is_array_v<T> && !std::is_const_v<T>);
-    static_assert(std::is_nothrow_move_constructible_v<E>);
+    static_assert(std::is_same_v<E, ErrorCode2>);
 
 public:
     /// A default-constructed value.
@@ -60,8 +60,7 @@ public:
 
     /// @{
     /// A result that holds @p error.
-    Expected(E const& error) noexcept(std::is_nothrow_copy_constructible_v<E>)
-        : _hasValue(false), _error(error) {}
+    Expected(E const& error) noexcept : _hasValue(false), _error(error) {}
     Expected(E&& error) noexcept : _hasValue(false), _error(std::move(error)) {}
     template<ErrorCodeEnumeration Enumeration>
     Expected(Enumeration error) : _hasValue(false), _error(ErrorCodeEnumConstructor<Enumeration>{}(error)) {}
@@ -109,13 +108,14 @@ public:
         } else if (_hasValue) {
             E error(other._error);
             replace(_value, _error, std::move(error));
+            _hasValue = false;
         } else if (other._hasValue) {
             T value(other._value);
             replace(_error, _value, std::move(value));
+            _hasValue = true;
         } else {
             _error = other._error;
         }
-        _hasValue = other._hasValue;
         return *this;
     }
     Expected& operator=(Expected&& other) noexcept(
@@ -125,13 +125,14 @@ public:
         } else if (_hasValue) {
             E error(std::move(other._error));
             replace(_value, _error, std::move(error));
+            _hasValue = false;
         } else if (other._hasValue) {
             T value(std::move(other._value));
             replace(_error, _value, std::move(value));
+            _hasValue = true;
         } else {
             _error = std::move(other._error);
         }
-        _hasValue = other._hasValue;
         return *this;
     }
     /// @}

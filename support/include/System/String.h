@@ -25,8 +25,6 @@ public:
     String() noexcept;
     /// Copies the zero-terminated @p text, which is trusted to be UTF-8.
     String(char8_t const* text);
-    /// Takes over the bytes of @p text.
-    explicit String(String2&& text) noexcept;
     String(String const& other);
     String(String&& other) noexcept;
     virtual ~String();
