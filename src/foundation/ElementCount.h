@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Math/Detail/ElementArray.h>
 #include <Math/Dimensions.h>
 
 #include <cstddef>
@@ -7,15 +8,15 @@
 
 namespace Tervane::Math::Detail {
 
-/// rows x columns, for the storage of either generation's matrix.
+/// rows × columns, for the storage of a matrix.
 ///
-/// @throws std::length_error when the product wraps around: storage for what is left of it would be far too
-/// short
-inline std::size_t elementCount(Dimensions const& size) {
-    std::size_t count = 0;
-    if (__builtin_mul_overflow(size.rows(), size.columns(), &count))
+/// @throws std::length_error when no array could hold that many, which includes a product that would wrap to
+/// a
+///         number that one could
+inline std::size_t elementCount(Dimensions const& d) {
+    if (d.columns() != 0 && d.rows() > RealArray::maxLength / d.columns())
         throw std::length_error("vector too long");
-    return count;
+    return d.rows() * d.columns();
 }
 
 } // namespace Tervane::Math::Detail

@@ -1,0 +1,158 @@
+#include "foundation/Operations.h"
+#include "legacy/Access.h"
+
+#include <Math/ComplexVector.h>
+#include <Math/Vector.h>
+
+#include <utility>
+
+using Tervane::Math::ComplexVector;
+
+namespace Tervane::Math {
+
+namespace {
+
+using namespace Detail;
+
+using DataPointer = System::UniquePointer<System::ObjectData>;
+
+// The elements as the doubles that they consist of, real and imaginary parts in turn.
+double* partsOf(ComplexArray& elements) {
+    return reinterpret_cast<double*>(elements.data());
+}
+
+double const* partsOf(ComplexArray const& elements) {
+    return reinterpret_cast<double const*>(elements.data());
+}
+
+// A scalar does to both parts of an element what it would do to a real one, so the kernels for real elements
+// serve, over twice as many.
+template<class Op>
+ComplexVector inPlace(ComplexVector&& z, Op op) {
+    ComplexArray& elements = LegacyAccess::elements(z);
+    double* const parts = partsOf(elements);
+    ElementwiseDispatch::transform(parts, parts + 2 * elements.length(), parts, op);
+    return std::move(z);
+}
+
+// What a copy and the form in place would give, written in one pass.
+template<class Op>
+ComplexVector fresh(ComplexVector const& z, Op op) {
+    ComplexArray const& elements = LegacyAccess::elements(z);
+    ComplexVector result = LegacyAccess::uninitialisedComplexVector(elements.length());
+    double const* const parts = partsOf(elements);
+    ElementwiseDispatch::transform(parts, parts + 2 * elements.length(),
+                                   partsOf(LegacyAccess::elements(result)), op);
+    return result;
+}
+
+} // namespace
+
+ComplexVector::ComplexVector() : Object(DataPointer(new ComplexVectorData)) {}
+
+ComplexVector::ComplexVector(std::size_t n) : Object(DataPointer(new ComplexVectorData(ComplexArray(n)))) {}
+
+ComplexVector::ComplexVector(std::vector<std::complex<double>> const& values) : ComplexVector() {
+    setData(reinterpret_cast<double const*>(values.data()), values.size());
+}
+
+ComplexVector::ComplexVector(ComplexVector const& other)
+    : Object(DataPointer(new ComplexVectorData(ComplexArray(LegacyAccess::elements(other))))) {}
+
+ComplexVector::ComplexVector(ComplexVector&& other) noexcept = default;
+
+ComplexVector& ComplexVector::operator=(ComplexVector&& other) noexcept = default;
+
+ComplexVector::~ComplexVector() = default;
+
+std::size_t ComplexVector::length() const {
+    return LegacyAccess::elements(*this).length();
+}
+
+double* ComplexVector::data() {
+    return partsOf(LegacyAccess::elements(*this));
+}
+
+double const* ComplexVector::data() const {
+    return partsOf(LegacyAccess::elements(*this));
+}
+
+ComplexRef ComplexVector::operator[](std::size_t i) {
+    return ComplexRef(data() + 2 * i);
+}
+
+ComplexView ComplexVector::operator[](std::size_t i) const {
+    return ComplexView(data() + 2 * i);
+}
+
+ComplexVector::iterator ComplexVector::begin() {
+    return iterator(data());
+}
+
+ComplexVector::iterator ComplexVector::end() {
+    return iterator(data() + 2 * length());
+}
+
+void ComplexVector::reserve(std::size_t n) {
+    LegacyAccess::elements(*this).reserve(n);
+}
+
+void ComplexVector::setData(double const* p, std::size_t n) {
+    LegacyAccess::elements(*this).assign(reinterpret_cast<std::complex<double> const*>(p), n);
+}
+
+// Serial, and with a copy of `v` that nobody reads: callers rely on both, so the product does not go through
+// the dispatch, and always allocates.
+ComplexVector operator*(ComplexVector&& z, Vector const& v) {
+    Vector const unread(v);
+    ComplexArray& elements = LegacyAccess::elements(z);
+    Kernels::independent(elements.data(), LegacyAccess::elements(v).data(), elements.data(),
+                         elements.length(), Multiply());
+    return std::move(z);
+}
+
+ComplexVector operator*(Vector const& v, ComplexVector&& z) {
+    return std::move(z) * v;
+}
+
+ComplexVector operator*(ComplexVector const& z, Vector const& v) {
+    return ComplexVector(z) * v;
+}
+
+ComplexVector operator*(Vector const& v, ComplexVector const& z) {
+    return ComplexVector(z) * v;
+}
+
+} // namespace Tervane::Math
+
+// The operators with a scalar, which are global.
+
+ComplexVector operator*(ComplexVector&& z, double const& s) {
+    using namespace Tervane::Math::Detail;
+    return Tervane::Math::inPlace(std::move(z), WithRightScalar<Multiply>{s});
+}
+
+ComplexVector operator*(ComplexVector const& z, double const& s) {
+    using namespace Tervane::Math::Detail;
+    return Tervane::Math::fresh(z, WithRightScalar<Multiply>{s});
+}
+
+ComplexVector operator*(double const& s, ComplexVector&& z) {
+    using namespace Tervane::Math::Detail;
+    return Tervane::Math::inPlace(std::move(z), WithLeftScalar<Multiply>{s});
+}
+
+ComplexVector operator*(double const& s, ComplexVector const& z) {
+    using namespace Tervane::Math::Detail;
+    return Tervane::Math::fresh(z, WithLeftScalar<Multiply>{s});
+}
+
+ComplexVector operator/(ComplexVector&& z, double const& s) {
+    using namespace Tervane::Math::Detail;
+    return Tervane::Math::inPlace(std::move(z), WithRightScalar<Divide>{s});
+}
+
+ComplexVector operator/(ComplexVector const& z, double const& s) {
+    using namespace Tervane::Math::Detail;
+    return Tervane::Math::fresh(z, WithRightScalar<Divide>{s});
+}
