@@ -1,0 +1,141 @@
+#include "kit/Allocations.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#    define TVNMATH_HEAP_IS_SANITIZED 1
+#elif defined(__has_feature)
+#    if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#        define TVNMATH_HEAP_IS_SANITIZED 1
+#    endif
+#endif
+
+namespace {
+
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+// constinit keeps the accesses free of initialisation guards, which would themselves allocate.
+thread_local constinit bool isCounting = false;
+thread_local constinit std::size_t allocationCount = 0;
+thread_local constinit std::size_t allocatedBytes = 0;
+thread_local constinit std::size_t largestAllocation = unlimited;
+
+void note(std::size_t bytes) {
+    if (isCounting) {
+        ++allocationCount;
+        allocatedBytes += bytes;
+    }
+}
+
+} // namespace
+
+#if defined(TVNMATH_HEAP_IS_SANITIZED)
+
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(void const volatile*, std::size_t),
+                                                         void (*onFree)(void const volatile*));
+
+namespace {
+
+[[maybe_unused]] bool const hooksAreInstalled = [] {
+    return __sanitizer_install_malloc_and_free_hooks(
+               [](void const volatile*, std::size_t bytes) { note(bytes); }, [](void const volatile*) {})
+           != 0;
+}();
+
+} // namespace
+
+#else
+
+// The program's own heap functions stand before the C library's, for shared libraries too. They count and
+// pass on.
+extern "C" {
+
+void* __libc_malloc(std::size_t bytes);
+void* __libc_calloc(std::size_t n, std::size_t bytes);
+void* __libc_realloc(void* p, std::size_t bytes);
+void* __libc_memalign(std::size_t alignment, std::size_t bytes);
+
+} // extern "C"
+
+namespace {
+
+bool mayAllocate(std::size_t bytes) {
+    note(bytes);
+    if (bytes <= largestAllocation)
+        return true;
+    errno = ENOMEM;
+    return false;
+}
+
+} // namespace
+
+extern "C" {
+
+void* malloc(std::size_t bytes) {
+    return mayAllocate(bytes) ? __libc_malloc(bytes) : nullptr;
+}
+
+void* calloc(std::size_t n, std::size_t bytes) {
+    return mayAllocate(n * bytes) ? __libc_calloc(n, bytes) : nullptr;
+}
+
+void* realloc(void* p, std::size_t bytes) {
+    return mayAllocate(bytes) ? __libc_realloc(p, bytes) : nullptr;
+}
+
+void* memalign(std::size_t alignment, std::size_t bytes) {
+    return mayAllocate(bytes) ? __libc_memalign(alignment, bytes) : nullptr;
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t bytes) {
+    return memalign(alignment, bytes);
+}
+
+int posix_memalign(void** p, std::size_t alignment, std::size_t bytes) {
+    *p = memalign(alignment, bytes);
+    return *p != nullptr ? 0 : ENOMEM;
+}
+
+} // extern "C"
+
+#endif
+
+namespace Tervane::Math::TestKit {
+
+AllocationCounter::AllocationCounter() {
+    allocationCount = 0;
+    allocatedBytes = 0;
+    isCounting = true;
+}
+
+AllocationCounter::~AllocationCounter() {
+    isCounting = false;
+}
+
+std::size_t AllocationCounter::count() const {
+    return allocationCount;
+}
+
+std::size_t AllocationCounter::bytes() const {
+    return allocatedBytes;
+}
+
+FailingAllocations::FailingAllocations(std::size_t largestThatSucceeds) {
+    largestAllocation = largestThatSucceeds;
+}
+
+FailingAllocations::~FailingAllocations() {
+    largestAllocation = unlimited;
+}
+
+bool FailingAllocations::areSupported() {
+#if defined(TVNMATH_HEAP_IS_SANITIZED)
+    return false;
+#else
+    return true;
+#endif
+}
+
+} // namespace Tervane::Math::TestKit
