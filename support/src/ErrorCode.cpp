@@ -17,7 +17,11 @@ ErrorCode::ErrorCode(int code, ErrorCategory const& category) noexcept
 ErrorCode::ErrorCode(ErrorCode const& other) = default;
 ErrorCode::ErrorCode(ErrorCode&& other) noexcept = default;
 ErrorCode::~ErrorCode() = default;
-ErrorCode& ErrorCode::operator=(ErrorCode const& other) = default;
+ErrorCode& ErrorCode::operator=(ErrorCode const& other) {
+    // Copying the text may fail; this code is then as it was.
+    ErrorCode copy(other);
+    return *this = std::move(copy);
+}
 ErrorCode& ErrorCode::operator=(ErrorCode&& other) noexcept = default;
 
 void ErrorCode::assign(ErrorCode const& other) {
