@@ -1,5 +1,5 @@
-// What happens when memory runs out. This program replaces the heap functions by ones that fail on demand, so
-// it stands apart from the others, which replace them by ones that count.
+// What happens when memory runs out. This program has heap functions of its own, which fail from a given
+// allocation on, under the sanitizers as well, so that nothing may leak on the way.
 #include <System/ErrorCode.h>
 #include <System/Exceptions.h>
 #include <System/Expected.h>

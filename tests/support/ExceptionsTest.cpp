@@ -140,27 +140,6 @@ TEST(BadExpectedAccess, EveryFormRefersToItsOwnError) {
     EXPECT_EQ(copy.error(), pear);
 }
 
-#if defined(__x86_64__)
-
-/// The place of a virtual operation in the table, the two entries of the destructor counted. A pointer to a
-/// virtual member holds the byte offset in the table plus one.
-template<class Member>
-std::size_t slotOf(Member member) {
-    std::size_t representation = 0;
-    std::memcpy(&representation, &member, sizeof representation);
-    return (representation - 1) / sizeof(void*);
-}
-
-TEST(VirtualOperations, StandInTheirOrder) {
-    EXPECT_EQ(slotOf(&ErrorCategory2::message), 2U);
-    EXPECT_EQ(slotOf(&ErrorCategory2::name), 3U);
-    EXPECT_EQ(slotOf(&Exception2::what), 2U);
-    EXPECT_EQ(slotOf(&bad_expected_access<void>::what), 2U);
-    EXPECT_EQ(slotOf(&bad_expected_access<ErrorCode2>::what), 2U);
-}
-
-#endif
-
 } // namespace
 
 } // namespace Tervane::System

@@ -366,19 +366,30 @@ TEST_F(ExpectedAssignment, ThrowingCopyAssignmentLeavesAValue) {
     EXPECT_EQ(target->id(), 1);
 }
 
-/// Owns a result of its own kind.
+/// Owns a result of its own kind and spoils it when it dies, so that no one can read it afterwards unnoticed.
 struct Parent {
+    explicit Parent(ErrorCode2 const& error) : child(std::make_shared<Expected<Parent, ErrorCode2>>(error)) {}
+    Parent(Parent const&) = default;
+    Parent(Parent&&) = default;
+    ~Parent() {
+        if (child.use_count() == 1) {
+            *child = std::errc::timed_out;
+        }
+    }
+    Parent& operator=(Parent const&) = default;
+    Parent& operator=(Parent&&) = default;
+
     std::shared_ptr<Expected<Parent, ErrorCode2>> child;
 };
 
 // Destroying the target's value destroys the source here, which shows that the copy comes first.
 TEST_F(ExpectedAssignment, SourceMayBeOwnedByTheValueThatItReplaces) {
-    Expected<Parent, ErrorCode2> target = Parent{std::make_shared<Expected<Parent, ErrorCode2>>(pear)};
+    Expected<Parent, ErrorCode2> target = Parent(pear);
     target = *target->child;
     EXPECT_FALSE(target.has_value());
     EXPECT_EQ(target.error(), pear);
 
-    target = Parent{std::make_shared<Expected<Parent, ErrorCode2>>(apple)};
+    target = Parent(apple);
     target = std::move(*target->child);
     EXPECT_FALSE(target.has_value());
     EXPECT_EQ(target.error(), apple);

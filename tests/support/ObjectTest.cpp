@@ -97,6 +97,13 @@ TEST_F(ObjectTest, HoldsTheDataItIsGiven) {
     EXPECT_EQ(counter.count(), 4);
 }
 
+TEST_F(ObjectTest, DataIsCopiedByItsOwnCopyConstructor) {
+    CounterData const original(3);
+    Pointer const copy(new CounterData(original));
+    EXPECT_EQ(static_cast<CounterData const*>(copy.get())->count, 3);
+    EXPECT_EQ(CounterData::alive, 2);
+}
+
 TEST_F(ObjectTest, MoveTakesTheDataAndLeavesTheSourceWithoutAny) {
     Counter source(3);
     Counter const target(std::move(source));

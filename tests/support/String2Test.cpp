@@ -147,15 +147,14 @@ TEST(String2Concatenation, ChainsAllocateOnlyNowAndThen) {
 }
 
 TEST(String2Concatenation, TextMayBePartOfTheOperand) {
-    // The first round has to grow, the second one has room.
     String2 text = u8"abcd";
-    text = std::move(text) + text.data();
+    text = std::move(text) + text.data(); // grows to exactly what it needs
     EXPECT_EQ(text, u8"abcdabcd");
-    text = text.data() + 6 + std::move(text);
+    text = text.data() + 6 + std::move(text); // grows by half and has room for two more bytes
     EXPECT_EQ(text, u8"cdabcdabcd");
-    text = std::move(text) + (text.data() + 9);
-    EXPECT_EQ(text, u8"cdabcdabcdd");
-    text = text.data() + 10 + std::move(text);
+    text = text.data() + 9 + std::move(text);
+    EXPECT_EQ(text, u8"dcdabcdabcd");
+    text = std::move(text) + (text.data() + 10);
     EXPECT_EQ(text, u8"dcdabcdabcdd");
     text = std::move(text) + (text.data() + text.length());
     EXPECT_EQ(text, u8"dcdabcdabcdd");
