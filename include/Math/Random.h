@@ -31,8 +31,6 @@ namespace Tervane::Math {
 /// pseudo-random number generator", ACM Transactions on Modeling and Computer Simulation 8 (1998).
 class TVNMATH_API Random {
 public:
-    Random() = delete;
-
     /// A column of `n` values.
     ///
     /// @throws std::length_error ("vector too long"), std::bad_alloc when the result cannot be allocated

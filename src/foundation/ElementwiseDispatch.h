@@ -69,6 +69,14 @@ TVNMATH_MULTIVERSION static void independent(In1 const* in1, In2 const* in2, Out
 
 } // namespace Kernels
 
+/// An operation that knows a faster way through a whole range than one element after the other: it can be
+/// called with an input, an output and a length as well as with an element, to the same effect. The output is
+/// the input itself or does not overlap it.
+template<class Op, class In, class Out>
+concept RangeOperation = requires(Op const op, In const* in, Out* out, std::size_t n) {
+    op(in, out, n);
+};
+
 /// Whether the two ranges share memory without beginning at the same place.
 template<class A, class B>
 bool overlapPartly(A const* a, B const* b, std::size_t n) noexcept {
@@ -139,7 +147,9 @@ private:
 
     template<class In, class Out, class Op>
     static void inlineTransform(In const* in, Out* out, std::size_t n, Op op) {
-        if (Op::cost == Detail::ElementCost::Function || Detail::overlapPartly(in, out, n))
+        if constexpr (Detail::RangeOperation<Op, In, Out>)
+            op(in, out, n);
+        else if (Op::cost == Detail::ElementCost::Function || Detail::overlapPartly(in, out, n))
             Detail::Kernels::inOrder(in, out, n, op);
         else
             Detail::Kernels::independent(in, out, n, op);

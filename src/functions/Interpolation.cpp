@@ -1,0 +1,172 @@
+#include "containers/Access.h"
+#include "foundation/ElementwiseDispatch.h"
+#include "foundation/Multiversion.h"
+#include "legacy/Access.h"
+
+#include <Math/Interpolation.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace Tervane::Math {
+
+namespace Detail {
+
+namespace {
+
+/// How many queries walk down the table side by side. One alone waits for a load at every step; the others
+/// fill that time.
+constexpr std::size_t queriesAtOnce = 16;
+
+} // namespace
+
+namespace Kernels {
+
+namespace {
+
+// For each query the first index whose breakpoint is not below it, m if there is none. All of them halve the
+// same number of candidates at every step, so there is nothing for the processor to mispredict, and where it
+// can gather the queries are lanes of a vector.
+TVNMATH_MULTIVERSION void lowerBounds(double const* breakpoints, std::size_t m, double const* queries,
+                                      std::size_t* found) noexcept {
+    std::size_t base[queriesAtOnce] = {};
+    for (std::size_t candidates = m; candidates > 1;) {
+        std::size_t const half = candidates / 2;
+        for (std::size_t q = 0; q < queriesAtOnce; ++q)
+            base[q] += breakpoints[base[q] + half - 1] < queries[q] ? half : 0;
+        candidates -= half;
+    }
+    for (std::size_t q = 0; q < queriesAtOnce; ++q)
+        found[q] = base[q] + (m != 0 && breakpoints[base[q]] < queries[q] ? 1 : 0);
+}
+
+} // namespace
+
+} // namespace Kernels
+
+namespace {
+
+/// The current generation's table.
+struct Table {
+    double const* breakpoints;
+    std::size_t length;
+    double const* values;
+    std::size_t valuesLength;
+
+    double value(std::size_t k) const { return values[k]; }
+    double upToFirst() const { return values[0]; }
+    double aboveLast() const { return values[valuesLength - 1]; }
+};
+
+/// The legacy generation's table, whose values may come from a caller's own kind of view.
+struct LegacyTable {
+    double const* breakpoints;
+    std::size_t length;
+    ViewVector const& values;
+
+    double value(std::size_t k) const { return values[k]; }
+    // Callers rely on the breakpoint here, where the current generation has the value.
+    double upToFirst() const { return breakpoints[0]; }
+    double aboveLast() const { return values[values.length() - 1]; }
+};
+
+template<class Table>
+struct InterpolatedIn {
+    static constexpr ElementCost cost = ElementCost::Function;
+
+    Table table;
+
+    double operator()(double x) const {
+        double const* const first = table.breakpoints;
+        return at(x, static_cast<std::size_t>(std::lower_bound(first, first + table.length, x) - first));
+    }
+
+    void operator()(double const* in, double* out, std::size_t n) const {
+        std::size_t found[queriesAtOnce];
+        std::size_t i = 0;
+        for (; i + queriesAtOnce <= n; i += queriesAtOnce) {
+            Kernels::lowerBounds(table.breakpoints, table.length, in + i, found);
+            for (std::size_t q = 0; q < queriesAtOnce; ++q)
+                out[i + q] = at(in[i + q], found[q]);
+        }
+        Kernels::inOrder(in + i, out + i, n - i, *this);
+    }
+
+private:
+    /// @param k the first index whose breakpoint is not below `x`
+    double at(double x, std::size_t k) const {
+        if (k == table.length)
+            return table.aboveLast();
+        if (k == 0)
+            return table.upToFirst();
+        double const below = table.breakpoints[k - 1];
+        double const t = (x - below) / (table.breakpoints[k] - below);
+        return std::lerp(table.value(k - 1), table.value(k), t);
+    }
+};
+
+InterpolatedIn<Table> interpolatedIn(Vector2 const& xp, VectorView2 const& fp) {
+    return {{xp.data(), xp.length(), fp.data(), fp.length()}};
+}
+
+InterpolatedIn<LegacyTable> interpolatedIn(Vector const& xp, ViewVector const& fp) {
+    RealArray const& breakpoints = LegacyAccess::elements(xp);
+    return {{breakpoints.data(), breakpoints.length(), fp}};
+}
+
+VectorView2 viewOf(Vector2 const& v) {
+    return VectorView2(v.data(), v.length(), ContainerAccess::orientation(v));
+}
+
+} // namespace
+
+} // namespace Detail
+
+using Detail::ContainerAccess;
+using Detail::LegacyAccess;
+
+Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp) {
+    ElementwiseDispatch::transform(x.data(), x.data() + x.length(), x.data(), Detail::interpolatedIn(xp, fp));
+    return std::move(x);
+}
+
+Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
+    return interp(std::move(x), xp, Detail::viewOf(fp));
+}
+
+Vector2 interp(Vector2 const& x, Vector2 const& xp, VectorView2 const& fp) {
+    Vector2 result = ContainerAccess::uninitialised(x.length(), ContainerAccess::orientation(x));
+    ElementwiseDispatch::transform(x.data(), x.data() + x.length(), result.data(),
+                                   Detail::interpolatedIn(xp, fp));
+    return result;
+}
+
+Vector2 interp(Vector2 const& x, Vector2 const& xp, Vector2 const& fp) {
+    return interp(x, xp, Detail::viewOf(fp));
+}
+
+double interp(double const& x, Vector2 const& xp, Vector2 const& fp) {
+    return Detail::interpolatedIn(xp, Detail::viewOf(fp))(x);
+}
+
+Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp) {
+    Detail::RealArray& elements = LegacyAccess::elements(x);
+    ElementwiseDispatch::transform(elements.begin(), elements.end(), elements.begin(),
+                                   Detail::interpolatedIn(xp, fp));
+    return std::move(x);
+}
+
+Vector interp(Vector const& x, Vector const& xp, ViewVector const& fp) {
+    Detail::VectorData const& source = LegacyAccess::data(x);
+    Vector result = LegacyAccess::uninitialisedVector(source.values.length(), source.orientation);
+    ElementwiseDispatch::transform(source.values.begin(), source.values.end(),
+                                   LegacyAccess::elements(result).begin(), Detail::interpolatedIn(xp, fp));
+    return result;
+}
+
+Vector interp(Vector const& x, Vector const& xp, Vector const& fp) {
+    return interp(x, xp, ViewVector(fp));
+}
+
+} // namespace Tervane::Math

@@ -1,0 +1,49 @@
+#include "legacy/Access.h"
+
+#include <Math/Sorting.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace Tervane::Math {
+
+namespace Detail::Kernels {
+
+namespace {
+
+// With a NaN among the elements the standard sort may leave the range and write over its neighbours. Finding
+// out is one pass at memory speed, a small part of the sort.
+bool hasNaN(double const* values, std::size_t n) noexcept {
+    bool found = false;
+    for (std::size_t i = 0; i < n; ++i)
+        found |= values[i] != values[i];
+    return found;
+}
+
+void sort(double* values, std::size_t n) {
+    double* end = values + n;
+    if (hasNaN(values, n))
+        end = std::partition(values, end, [](double x) { return x == x; });
+    std::sort(values, end);
+}
+
+} // namespace
+
+} // namespace Detail::Kernels
+
+Vector2 sort(Vector2&& x) {
+    Detail::Kernels::sort(x.data(), x.length());
+    return std::move(x);
+}
+
+Vector2 sort(Vector2 const& x) {
+    return sort(Vector2(x));
+}
+
+Vector& Vector::sort() {
+    Detail::RealArray& elements = Detail::LegacyAccess::elements(*this);
+    Detail::Kernels::sort(elements.data(), elements.length());
+    return *this;
+}
+
+} // namespace Tervane::Math

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Tervane::Math::Detail {
+
+/// A reproducible stream of uniformly distributed doubles: the 32-bit Mersenne Twister, bit for bit
+/// `std::mt19937`, and the mapping of two of its outputs to one value. It lives where it is declared and
+/// allocates nothing.
+class UniformDraws {
+public:
+    explicit UniformDraws(std::uint32_t seed) noexcept;
+
+    /// The next `n` values of the stream. Successive outputs x1, x2 make u = (x1 + x2 2^32) / 2^64 and the
+    /// value (hi - lo) u + lo. Rounding may make u 1; callers rely on nothing being clamped.
+    void draw(double lo, double hi, double* out, std::size_t n) noexcept;
+
+    /// The same stream as elements (0, 0), (0, 1), … of a column-major matrix, row after row.
+    void drawRowByRow(double lo, double hi, double* out, std::size_t rows, std::size_t columns) noexcept;
+
+    /// The size of the generator's state, and of the block of outputs that it makes at once.
+    static constexpr std::size_t blockLength = 624;
+
+private:
+    void nextBlock() noexcept;
+
+    std::uint32_t _state[blockLength];
+    std::uint32_t _outputs[blockLength];
+    std::size_t _used = blockLength;
+};
+
+} // namespace Tervane::Math::Detail
