@@ -14,8 +14,6 @@ namespace Detail::Kernels {
 
 namespace {
 
-using FourLanes __attribute__((vector_size(32), aligned(8), may_alias)) = double;
-
 double mean(double const* values, std::size_t n) noexcept {
     double total = 0.0;
     for (std::size_t i = 0; i < n; ++i)
@@ -23,28 +21,24 @@ double mean(double const* values, std::size_t n) noexcept {
     return total / static_cast<double>(n);
 }
 
-// The comparison of the standard search, which never takes a NaN. It is one instruction in this order of the
-// operands. Eight registers cover its four cycles of latency at two a cycle. The lanes forget which of
+// The comparison of the standard search, which never takes a NaN, and in this order of its operands is one
+// instruction. Written over an array, because compilers turn that into registers of whatever width there is;
+// 32 running maxima cover the four cycles of latency at two instructions a cycle. They forget which of
 // several equal elements came first.
 //
 // pre: n is not 0, and the first element is not a NaN
 TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {
-    constexpr std::size_t registers = 8;
-    constexpr std::size_t block = 4 * registers;
+    constexpr std::size_t lanes = 32;
     double largest = values[0];
-    FourLanes lanes[registers];
-    for (std::size_t r = 0; r < registers; ++r)
-        lanes[r] = FourLanes{largest, largest, largest, largest};
+    double running[lanes];
+    for (std::size_t lane = 0; lane < lanes; ++lane)
+        running[lane] = largest;
     std::size_t i = 0;
-    for (; i + block <= n; i += block)
-        for (std::size_t r = 0; r < registers; ++r) {
-            FourLanes const x = *reinterpret_cast<FourLanes const*>(values + i + 4 * r);
-            lanes[r] = lanes[r] < x ? x : lanes[r];
-        }
-    for (std::size_t r = 1; r < registers; ++r)
-        lanes[0] = lanes[0] < lanes[r] ? lanes[r] : lanes[0];
-    for (std::size_t lane = 0; lane < 4; ++lane)
-        largest = largest < lanes[0][lane] ? lanes[0][lane] : largest;
+    for (; i + lanes <= n; i += lanes)
+        for (std::size_t lane = 0; lane < lanes; ++lane)
+            running[lane] = running[lane] < values[i + lane] ? values[i + lane] : running[lane];
+    for (std::size_t lane = 0; lane < lanes; ++lane)
+        largest = largest < running[lane] ? running[lane] : largest;
     for (; i < n; ++i)
         largest = largest < values[i] ? values[i] : largest;
     return largest;
