@@ -1,0 +1,95 @@
+#pragma once
+
+/// @file
+/// Dense linear systems and least-squares problems by LAPACK's drivers.
+///
+/// @code
+/// using namespace Tervane::Math;
+/// if (auto const solved = LAPACK::gels(NoTranspose, model, measurements); !solved)
+///     return solved.error();
+/// use(measurements);                  // its first model.columns() elements are the fitted parameters
+/// @endcode
+///
+/// Everything is solved in place: the drivers overwrite their arguments. Each call takes the workspace that
+/// the driver asks for and releases it on every path. There is one right-hand side, which is never resized.
+/// Calls on different containers may run on any threads at once.
+///
+/// What a driver refuses comes back as `InvalidParameter`, what it could not compute as another code; in both
+/// cases the arguments hold what the driver left in them. When a check before the driver fails they are
+/// untouched.
+///
+/// E. Anderson et al., LAPACK Users' Guide, 3rd ed., SIAM 1999, describes the drivers of the same names.
+
+#include <Math/Export.h>
+#include <Math/Matrix2.h>
+#include <Math/Transpose.h>
+#include <Math/Vector2.h>
+#include <System/ErrorCode.h>
+#include <System/Expected.h>
+
+namespace Tervane::Math {
+
+class Matrix;
+class Vector;
+
+namespace LAPACK {
+
+/// Solves A x = b by LU factorisation with partial pivoting; x replaces b, the factors replace A.
+///
+/// @return `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero. For an A that is not
+/// square, or
+///         whose row count is not b.rows(), the error -1 of the system category: callers rely on not getting
+///         a code of the linear-algebra category there.
+/// Complexity: O(n^3).
+TVNMATH_API System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2& b);
+
+/// Minimises ||b - op(A) x|| for an A of full rank by QR or LQ factorisation, or finds the x of least norm
+/// when the system is underdetermined. x replaces the leading elements of b; behind it stand the residuals'
+/// coordinates.
+///
+/// b must be a column with room for the longer of the two sides of A: a row, or a vector too short, is
+/// refused.
+///
+/// @return `LinearAlgebraErrc::InvalidParameter` for what the driver refuses, `LeastSquaresFailed` when A is
+/// exactly
+///         rank-deficient
+/// Complexity: O(m n min(m, n)).
+TVNMATH_API System::Expected<void, System::ErrorCode2> gels(Transpose trans, Matrix2& A, Vector2& b);
+
+/// Finds the x of least norm that minimises ||b - A x|| by singular value decomposition, divide and conquer;
+/// A may be rank-deficient. Singular values below rcond times the largest count as zero; a negative rcond
+/// means the machine precision. x replaces the leading elements of b, which must have room for the longer of
+/// the two sides of A. The rank and the singular values are not returned.
+///
+/// @return `LinearAlgebraErrc::InvalidParameter` for what the driver refuses, `LeastSquaresFailed` when the
+///         decomposition does not converge
+/// Complexity: O(m n min(m, n)).
+TVNMATH_API System::Expected<void, System::ErrorCode2> gelsd(Matrix2& A, Vector2& b, double const& rcond);
+
+/// Minimises ||c - A x|| subject to B x = d, by a generalised RQ factorisation. c and d may be longer than A
+/// and B have rows; A, B, c and d are overwritten.
+///
+/// @return x, a column of A.columns() elements; `LinearAlgebraErrc::InvalidParameter` for an A without rows
+/// or columns
+///         and for what the driver refuses, `DimensionsMismatch` when A and B differ in columns or c or d is
+///         too short, `ConstraintRankDeficient` when the rows of B are not independent, `SystemRankDeficient`
+///         when A and B together do not fix x
+/// Complexity: O(n^2 (m + p)).
+TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gglse(Matrix2& A, Matrix2& B, Vector2& c,
+                                                                Vector2& d);
+
+/// @name Legacy
+/// As the current forms, with the codes of LinearAlgebraErrorCode in `error`, which is left as it is on
+/// success. Here `gesv` does tell MatrixNotSquare and DimensionsMismatch. An exception, of a failed
+/// allocation for example, is described in `error` too. `gelsd` takes the error before rcond. `gglse` gives
+/// an empty vector on any error.
+/// @{
+TVNMATH_API void gesv(Matrix& A, Vector& b, System::ErrorCode& error);
+TVNMATH_API void gels(Transpose trans, Matrix& A, Vector& b, System::ErrorCode& error);
+TVNMATH_API void gelsd(Matrix& A, Vector& b, System::ErrorCode& error, double const& rcond);
+TVNMATH_API Vector gglse(Matrix& A, Matrix& B, Vector& c, Vector& d, System::ErrorCode& error);
+/// @}
+
+} // namespace LAPACK
+
+} // namespace Tervane::Math
