@@ -66,6 +66,7 @@ struct LegacyAccess {
     static bool hasData(System::BasicObject<T> const& object) noexcept {
         return object._data() != nullptr;
     }
+    static bool hasData(ComplexVector const& z) noexcept { return z.objectData() != nullptr; }
 
 private:
     template<class Data, class T>
