@@ -7,6 +7,17 @@
 
 namespace Tervane::Math::Detail {
 
+TVNMATH_MULTIVERSION void Kernels::uniformValues(std::uint32_t const* __restrict outputs, double lo,
+                                                 double width, double* __restrict values,
+                                                 std::size_t n) noexcept {
+    for (std::size_t i = 0; i < n; ++i) {
+        double const x1 = outputs[2 * i];
+        double const x2 = outputs[2 * i + 1];
+        double const u = (x1 + x2 * 4294967296.0) / 18446744073709551616.0;
+        values[i] = width * u + lo;
+    }
+}
+
 namespace {
 
 constexpr std::size_t length = UniformDraws::blockLength;
@@ -45,17 +56,6 @@ TVNMATH_MULTIVERSION void temper(std::uint32_t const* __restrict state,
     }
 }
 
-// The division by a power of two is exact, so the multiplication in its place is the same.
-TVNMATH_MULTIVERSION void toValues(std::uint32_t const* __restrict outputs, double lo, double width,
-                                   double* __restrict values, std::size_t n) noexcept {
-    for (std::size_t i = 0; i < n; ++i) {
-        double const x1 = outputs[2 * i];
-        double const x2 = outputs[2 * i + 1];
-        double const u = (x1 + x2 * 4294967296.0) / 18446744073709551616.0;
-        values[i] = width * u + lo;
-    }
-}
-
 } // namespace
 
 UniformDraws::UniformDraws(std::uint32_t seed) noexcept {
@@ -70,7 +70,7 @@ void UniformDraws::draw(double lo, double hi, double* out, std::size_t n) noexce
         if (_used == length)
             nextBlock();
         std::size_t const count = std::min(n, (length - _used) / 2);
-        toValues(_outputs + _used, lo, width, out, count);
+        Kernels::uniformValues(_outputs + _used, lo, width, out, count);
         _used += 2 * count;
         out += count;
         n -= count;

@@ -5,6 +5,16 @@
 
 namespace Tervane::Math::Detail {
 
+namespace Kernels {
+
+/// `n` values from successive pairs of outputs of a generator of 32-bit numbers. A pair x1, x2 makes u = (x1
+/// + x2 2^32) / 2^64 and the value width u + lo. Rounding may make u 1; callers rely on nothing being
+/// clamped.
+void uniformValues(std::uint32_t const* outputs, double lo, double width, double* values,
+                   std::size_t n) noexcept;
+
+} // namespace Kernels
+
 /// A reproducible stream of uniformly distributed doubles: the 32-bit Mersenne Twister, bit for bit
 /// `std::mt19937`, and the mapping of two of its outputs to one value. It lives where it is declared and
 /// allocates nothing.
@@ -12,8 +22,7 @@ class UniformDraws {
 public:
     explicit UniformDraws(std::uint32_t seed) noexcept;
 
-    /// The next `n` values of the stream. Successive outputs x1, x2 make u = (x1 + x2 2^32) / 2^64 and the
-    /// value (hi - lo) u + lo. Rounding may make u 1; callers rely on nothing being clamped.
+    /// The next `n` values of the stream, with hi - lo as their width.
     void draw(double lo, double hi, double* out, std::size_t n) noexcept;
 
     /// The same stream as elements (0, 0), (0, 1), … of a column-major matrix, row after row.

@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Compiles every header below the given folders alone, with all warnings as errors, and looks at what each includes.
+#
+#   headers_alone.sh COMPILER FOLDER...
+set -euo pipefail
+compiler=$1
+shift
+
+flags=(-std=c++20 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+for folder in "$@"; do flags+=("-I$folder"); done
+
+count=0
+failed=0
+for folder in "$@"; do
+    while IFS= read -r header; do
+        count=$((count + 1))
+        name=${header#"$folder"/}
+        # Twice, so that a missing include guard shows.
+        source=$(printf '#include <%s>\n#include <%s>\n' "$name" "$name")
+        "$compiler" "${flags[@]}" -fsyntax-only -x c++ - <<<"$source" || { echo "$name does not compile alone"; failed=1; }
+        if "$compiler" "${flags[@]}" -M -x c++ - <<<"$source" | grep -oE '[^ ]*(mkl|tbb|immintrin|omp\.h)[^ ]*'; then
+            echo "$name reaches a header that callers may not have"
+            failed=1
+        fi
+    done < <(find "$folder" -name '*.h' | sort)
+done
+echo "$count headers"
+[ "$count" -gt 40 ] && [ "$failed" = 0 ]
