@@ -71,6 +71,9 @@ bool mayAllocate(std::size_t bytes) {
 
 } // namespace
 
+// Where everything else is hidden these must be seen, or shared libraries find the C library's instead.
+#pragma GCC visibility push(default)
+
 extern "C" {
 
 void* malloc(std::size_t bytes) {
@@ -99,6 +102,8 @@ int posix_memalign(void** p, std::size_t alignment, std::size_t bytes) {
 }
 
 } // extern "C"
+
+#pragma GCC visibility pop
 
 #endif
 
