@@ -24,6 +24,9 @@ Vector2 Grid::times() const {
 
 Expected<Grid, ErrorCode2> chooseGrid(Vector2 const& time, double switchingFrequency, double highestFrequency,
                                       std::optional<std::size_t> samples, Place& place) {
+    if (switchingFrequency > highestFrequency) {
+        return Failure::NoHarmonicInBand;
+    }
     // The last sample stands for the interval up to the next one, so n samples cover n intervals.
     double const covered = time.back() - time.front();
     double const lastInterval = covered / static_cast<double>(time.length() - 1);

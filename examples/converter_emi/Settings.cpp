@@ -1,5 +1,7 @@
 #include "Settings.h"
 
+#include "CsvTable.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -23,6 +25,12 @@ std::map<std::string, AlgorithmExecutionPolicy> const policies{
     {"parallel", Tervane::Math::Parallel},
     {"parallel-unsequenced", Tervane::Math::ParallelUnsequenced},
     {"sequenced", Tervane::Math::Sequenced}};
+
+/// Empty when @p text is a positive number; else what is wrong with it.
+std::string isPositive(std::string const& text) {
+    auto const number = parseNumber(text);
+    return number && *number > 0.0 ? "" : "'" + text + "' is not a positive number";
+}
 
 template<class Value>
 char const* nameIn(std::map<std::string, Value> const& names, Value value) {
@@ -73,8 +81,8 @@ CommandLine parseCommandLine(int argc, char const* const* argv) {
         ->expected(2)
         ->default_str("")
         ->type_name("COLUMN");
-    app.add_option("--switching-frequency", settings.switchingFrequency, "Hz")
-        ->check(CLI::PositiveNumber)
+    app.add_option("--switching-frequency", settings.switchingFrequency, "Switching frequency in Hz")
+        ->check(isPositive, "")
         ->type_name("HZ");
     app.add_option("--window", settings.window,
                    "none, hann, hamming or blackman; a record of very few periods is best left without")
@@ -98,7 +106,7 @@ CommandLine parseCommandLine(int argc, char const* const* argv) {
         ->type_name("NUMBER");
     app.add_option("--dc-capacitance", settings.dcCapacitance,
                    "Output capacitor's capacitance at DC in F, which the second fit holds exactly")
-        ->check(CLI::PositiveNumber)
+        ->check(isPositive, "")
         ->type_name("F");
     app.add_option(
            "--policy", settings.policy,

@@ -265,8 +265,12 @@ TEST_F(ConverterEmiProgram, RefusesAnUnknownWindow) {
 }
 
 TEST_F(ConverterEmiProgram, RefusesASwitchingFrequencyThatIsNotPositive) {
-    for (char const* frequency : {"0", "-5", "fast"}) {
-        EXPECT_NE(runOnData(std::string("--switching-frequency ") + frequency).exitCode, 0) << frequency;
+    for (std::string const frequency : {"0", "-5", "fast", "nan", "inf"}) {
+        Outcome const outcome = runOnData("--switching-frequency " + frequency);
+        EXPECT_NE(outcome.exitCode, 0) << frequency;
+        EXPECT_TRUE(
+            outcome.errors.starts_with("--switching-frequency: '" + frequency + "' is not a positive number"))
+            << outcome.errors;
         EXPECT_FALSE(fs::exists(output()));
     }
 }
@@ -398,7 +402,9 @@ TEST_F(ConverterEmiProgram, RefusesABandWithoutHarmonics) {
     std::string const data = CONVERTER_EMI_DATA;
     expectRefusal(runOnData("--start 150e3 --stop 390e3"),
                   data + ": no harmonic of the switching frequency lies in the band");
-    expectRefusal(runOnData("--start 151e3 --stop 152e3"),
+    expectRefusal(runOnData("--switching-frequency 1e300"),
+                  data + ": no harmonic of the switching frequency lies in the band");
+    expectRefusal(runOnData("--start 151e3 --stop 152e3 --switching-frequency 100e3"),
                   data + ": no harmonic of the switching frequency lies in the band");
 }
 
