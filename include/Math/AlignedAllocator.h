@@ -21,6 +21,13 @@ public:
     using is_always_equal = std::true_type;
     using propagate_on_container_move_assignment = std::true_type;
 
+    /// The standard containers ask for an allocator of the type that they have; there is none for another.
+    template<class U>
+    requires std::is_same_v<U, double>
+    struct rebind {
+        using other = AlignedAllocator;
+    };
+
     /// Uninitialised storage for `n` doubles; null for none.
     ///
     /// @throws std::bad_alloc when the memory cannot be had

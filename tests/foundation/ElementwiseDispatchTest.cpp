@@ -1,0 +1,319 @@
+#include "foundation/ElementwiseDispatch.h"
+
+#include "foundation/Operations.h"
+#include "kit/Bits.h"
+#include "kit/ErrorBounds.h"
+#include "kit/Lengths.h"
+#include "kit/Policies.h"
+#include "kit/SpecialValues.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <complex>
+#include <cstddef>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace Tervane::Math {
+
+namespace {
+
+using namespace Detail;
+using namespace TestKit;
+
+struct Sine {
+    static constexpr ElementCost cost = ElementCost::Function;
+    double operator()(double x) const { return std::sin(x); }
+};
+
+constexpr std::size_t streamingLimit = parallelLimit(ElementCost::Streaming);
+constexpr std::size_t functionLimit = parallelLimit(ElementCost::Function);
+
+/// Two different NaNs as operands may give either payload; everything else is exact.
+std::vector<double> withoutNaNs(std::vector<double> values) {
+    for (double& x : values)
+        if (std::isnan(x))
+            x = 2.0;
+    return values;
+}
+
+template<class Op>
+void expectBinary(Op op, std::vector<double> const& left, std::vector<double> const& right) {
+    std::vector<double> expected(left.size());
+    for (std::size_t i = 0; i < left.size(); ++i)
+        expected[i] = op(left[i], right[i]);
+    forEachPolicy([&] {
+        Poisoned out(left.size());
+        double* const end = ElementwiseDispatch::transform(left.data(), left.data() + left.size(),
+                                                           right.data(), out.data(), op);
+        EXPECT_EQ(end, out.data() + left.size());
+        EXPECT_TRUE(sameBits(out.elements(), expected));
+        EXPECT_TRUE(out.guardsAreIntact());
+
+        std::vector<double> inPlace = left;
+        ElementwiseDispatch::transform(inPlace.data(), inPlace.data() + inPlace.size(), right.data(),
+                                       inPlace.data(), op);
+        EXPECT_TRUE(sameBits(inPlace, expected));
+
+        inPlace = right;
+        ElementwiseDispatch::transform(left.data(), left.data() + left.size(), inPlace.data(), inPlace.data(),
+                                       op);
+        EXPECT_TRUE(sameBits(inPlace, expected));
+    });
+}
+
+TEST(ElementwiseDispatch, ComputesTwoOperandsAlikeUnderEveryPolicy) {
+    for (std::size_t const n : awkwardLengthsAround(streamingLimit)) {
+        SCOPED_TRACE("length " + std::to_string(n));
+        std::vector<double> const left = specialValues(n);
+        std::vector<double> const right = withoutNaNs(specialValues(n, 5));
+        expectBinary(Add(), left, right);
+        expectBinary(Subtract(), left, right);
+        expectBinary(Multiply(), left, right);
+        expectBinary(Divide(), left, right);
+    }
+}
+
+TEST(ElementwiseDispatch, CombinesEverySpecialValueWithEveryOther) {
+    std::vector<double> const all = specialValues();
+    for (double const x : all) {
+        std::vector<double> const left(all.size(), x);
+        std::vector<double> const right = std::isnan(x) ? withoutNaNs(all) : all;
+        expectBinary(Add(), left, right);
+        expectBinary(Subtract(), left, right);
+        expectBinary(Multiply(), left, right);
+        expectBinary(Divide(), left, right);
+    }
+}
+
+TEST(ElementwiseDispatch, ComputesOneOperandAlikeUnderEveryPolicy) {
+    for (std::size_t const n : awkwardLengthsAround(functionLimit)) {
+        std::vector<double> const in = valuesByBitPattern(n);
+        std::vector<double> expected(n);
+        for (std::size_t i = 0; i < n; ++i)
+            expected[i] = std::sin(in[i]);
+        forEachPolicy([&] {
+            Poisoned out(n);
+            EXPECT_EQ(ElementwiseDispatch::transform(in.data(), in.data() + n, out.data(), Sine()),
+                      out.data() + n);
+            EXPECT_TRUE(sameBits(out.elements(), expected));
+            EXPECT_TRUE(out.guardsAreIntact());
+            std::vector<double> inPlace = in;
+            ElementwiseDispatch::transform(inPlace.data(), inPlace.data() + n, inPlace.data(), Sine());
+            EXPECT_TRUE(sameBits(inPlace, expected));
+        });
+    }
+}
+
+TEST(ElementwiseDispatch, NegatesByTheSignBitAlone) {
+    std::vector<double> const in = specialValues();
+    std::vector<double> expected;
+    for (double const x : in)
+        expected.push_back(fromBits(bitsOf(x) ^ 0x8000000000000000));
+    forEachPolicy([&] {
+        std::vector<double> out(in.size());
+        ElementwiseDispatch::transform(in.data(), in.data() + in.size(), out.data(), Negate());
+        EXPECT_TRUE(sameBits(out, expected));
+    });
+}
+
+TEST(ElementwiseDispatch, BindsScalarsOnEitherSide) {
+    std::vector<double> const in = ordinaryValues(100);
+    std::vector<double> right, left;
+    for (double const x : in) {
+        right.push_back(x - 3.0);
+        left.push_back(3.0 / x);
+    }
+    forEachPolicy([&] {
+        std::vector<double> out(in.size());
+        ElementwiseDispatch::transform(in.data(), in.data() + 100, out.data(),
+                                       WithRightScalar<Subtract>{3.0});
+        EXPECT_TRUE(sameBits(out, right));
+        ElementwiseDispatch::transform(in.data(), in.data() + 100, out.data(), WithLeftScalar<Divide>{3.0});
+        EXPECT_TRUE(sameBits(out, left));
+    });
+}
+
+TEST(ElementwiseDispatch, TakesAnyMisalignment) {
+    for (std::size_t inOffset = 0; inOffset < 8; ++inOffset)
+        for (std::size_t outOffset = 0; outOffset < 8; ++outOffset)
+            forEachPolicy([&] {
+                Poisoned in(37, inOffset), out(37, outOffset);
+                std::vector<double> expected(37);
+                for (std::size_t i = 0; i < 37; ++i) {
+                    in.data()[i] = static_cast<double>(i);
+                    expected[i] = 2.0 * static_cast<double>(i);
+                }
+                ElementwiseDispatch::transform(in.data(), in.data() + 37, in.data(), out.data(), Add());
+                EXPECT_TRUE(sameBits(out.elements(), expected));
+                EXPECT_TRUE(out.guardsAreIntact() && in.guardsAreIntact());
+            });
+}
+
+TEST(ElementwiseDispatch, DoesNothingForNoElements) {
+    forEachPolicy([] {
+        double* const nothing = nullptr;
+        EXPECT_EQ(ElementwiseDispatch::transform(nothing, nothing, nothing, Negate()), nullptr);
+        EXPECT_EQ(ElementwiseDispatch::transform(nothing, nothing, nothing, nothing, Add()), nullptr);
+        EXPECT_EQ(ElementwiseDispatch::fill(nothing, nothing, 1.0), nullptr);
+        EXPECT_TRUE(sameBits(ElementwiseDispatch::sum(nothing, nothing), 0.0));
+    });
+}
+
+/// One element at a time, from the first to the last; volatile, so that nothing is reordered.
+void addInOrder(double const* in1, double const* in2, double* out, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        double const volatile sum = in1[i] + in2[i];
+        const_cast<double volatile*>(out)[i] = sum;
+    }
+}
+
+TEST(ElementwiseDispatch, KeepsTheOrderWhereTheOutputOverlapsAnInputPartly) {
+    PolicyScope const scope(Inline);
+    for (std::size_t const n : {1, 7, 8, 9, 40, 100})
+        for (std::size_t distance = 0; distance <= 16; ++distance) {
+            SCOPED_TRACE("length " + std::to_string(n) + ", distance " + std::to_string(distance));
+            std::vector<double> const start = ordinaryValues(n + 16);
+            std::vector<double> const other = ordinaryValues(n, 2);
+
+            // The output behind the input: each result is read again as an input further on.
+            std::vector<double> actual = start, expected = start;
+            ElementwiseDispatch::transform(actual.data(), actual.data() + n, other.data(),
+                                           actual.data() + distance, Add());
+            addInOrder(expected.data(), other.data(), expected.data() + distance, n);
+            EXPECT_TRUE(sameBits(actual, expected));
+
+            // The output before the input, which is the second operand.
+            actual = start, expected = start;
+            ElementwiseDispatch::transform(other.data(), other.data() + n, actual.data() + distance,
+                                           actual.data(), Add());
+            addInOrder(other.data(), expected.data() + distance, expected.data(), n);
+            EXPECT_TRUE(sameBits(actual, expected));
+
+            // One operand.
+            actual = start, expected = start;
+            ElementwiseDispatch::transform(actual.data(), actual.data() + n, actual.data() + distance,
+                                           WithRightScalar<Add>{1.0});
+            std::vector<double> const ones(n, 1.0);
+            addInOrder(expected.data(), ones.data(), expected.data() + distance, n);
+            EXPECT_TRUE(sameBits(actual, expected));
+        }
+}
+
+TEST(ElementwiseDispatch, ComputesComplexElementsAlikeUnderEveryPolicy) {
+    using Complex = std::complex<double>;
+    for (std::size_t const n : awkwardLengthsAround(streamingLimit)) {
+        std::vector<double> const parts = ordinaryValues(2 * n), factors = ordinaryValues(n, 2);
+        auto const* const z = reinterpret_cast<Complex const*>(parts.data());
+        std::vector<double> expected(2 * n);
+        for (std::size_t i = 0; i < 2 * n; ++i)
+            expected[i] = parts[i] * factors[i / 2];
+        forEachPolicy([&] {
+            std::vector<double> out(2 * n);
+            ElementwiseDispatch::transform(z, z + n, factors.data(), reinterpret_cast<Complex*>(out.data()),
+                                           Multiply());
+            EXPECT_TRUE(sameBits(out, expected));
+        });
+    }
+}
+
+TEST(ElementwiseDispatch, FillsEveryElementAndNoOther) {
+    for (std::size_t const n : awkwardLengthsAround(streamingLimit))
+        forEachPolicy([&] {
+            Poisoned out(n, 3);
+            EXPECT_EQ(ElementwiseDispatch::fill(out.data(), out.data() + n, -0.0), out.data() + n);
+            EXPECT_TRUE(sameBits(out.elements(), std::vector<double>(n, -0.0)));
+            EXPECT_TRUE(out.guardsAreIntact());
+        });
+}
+
+double sumInFourLanes(std::vector<double> const& values) {
+    std::size_t const n = values.size();
+    double total = 0.0;
+    std::size_t i = 0;
+    if (n >= 4) {
+        double s[4] = {0.0, 0.0, 0.0, 0.0};
+        for (; i < n / 4 * 4; ++i)
+            s[i % 4] += values[i];
+        total = 0.0 + ((s[0] + s[2]) + (s[1] + s[3]));
+    }
+    for (; i < n; ++i)
+        total += values[i];
+    return total;
+}
+
+TEST(ElementwiseDispatch, SumsInFourLanesUnlessParallel) {
+    for (std::size_t const n : awkwardLengthsAround(streamingLimit)) {
+        std::vector<double> const values = ordinaryValues(n);
+        forEachPolicyOf(serialPolicies, [&] {
+            EXPECT_TRUE(
+                sameBits(ElementwiseDispatch::sum(values.data(), values.data() + n), sumInFourLanes(values)));
+        });
+    }
+    EXPECT_TRUE(sameBits(sumInFourLanes({-0.0, -0.0}), 0.0));
+}
+
+TEST(ElementwiseDispatch, SumsWithinTheErrorBoundInParallel) {
+    for (std::size_t const n : awkwardLengthsAround(streamingLimit)) {
+        std::vector<double> const values = ordinaryValues(n);
+        long double exact = 0.0L, magnitude = 0.0L;
+        for (double const x : values) {
+            exact += x;
+            magnitude += std::abs(x);
+        }
+        double const bound = static_cast<double>(static_cast<long double>(n) * unitRoundoff * magnitude);
+        forEachPolicy([&] {
+            EXPECT_TRUE(within(bound, ElementwiseDispatch::sum(values.data(), values.data() + n),
+                               static_cast<double>(exact)));
+        });
+    }
+}
+
+TEST(ElementwiseDispatch, SeesInfinitiesAndNaNsInAnySum) {
+    for (std::size_t const n : {5ul, 100ul, 3 * streamingLimit + 1})
+        for (std::size_t const where : {0ul, n / 2, n - 1})
+            forEachPolicy([&] {
+                std::vector<double> values(n, 1.0);
+                values[where] = -INFINITY;
+                EXPECT_EQ(ElementwiseDispatch::sum(values.data(), values.data() + n), -INFINITY);
+                values[where] = NAN;
+                EXPECT_TRUE(isNaN(ElementwiseDispatch::sum(values.data(), values.data() + n)));
+            });
+}
+
+TEST(ExecutionPolicy, StartsAsParallelUnsequenced) {
+    // The kit's scopes restore this value; it is what every test program starts with.
+    EXPECT_EQ(executionPolicy(), ParallelUnsequenced);
+}
+
+TEST(ExecutionPolicy, IsStoredUnvalidated) {
+    PolicyScope const scope(static_cast<AlgorithmExecutionPolicy>(-7));
+    EXPECT_EQ(executionPolicy(), static_cast<AlgorithmExecutionPolicy>(-7));
+}
+
+TEST(ExecutionPolicy, MayChangeWhileOthersCompute) {
+    std::atomic<bool> isDone = false;
+    std::thread changing([&] {
+        for (int i = 0; !isDone; ++i)
+            setExecutionPolicy(static_cast<AlgorithmExecutionPolicy>(i % 5));
+    });
+    std::vector<double> const in = ordinaryValues(3 * functionLimit);
+    std::vector<double> expected;
+    for (double const x : in)
+        expected.push_back(std::sin(x));
+    for (int round = 0; round < 50; ++round) {
+        std::vector<double> out(in.size());
+        ElementwiseDispatch::transform(in.data(), in.data() + in.size(), out.data(), Sine());
+        EXPECT_TRUE(sameBits(out, expected));
+    }
+    isDone = true;
+    changing.join();
+    setExecutionPolicy(ParallelUnsequenced);
+}
+
+} // namespace
+
+} // namespace Tervane::Math

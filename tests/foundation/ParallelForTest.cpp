@@ -1,0 +1,69 @@
+#include "foundation/ParallelFor.h"
+
+#include "kit/Lengths.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <new>
+#include <set>
+#include <vector>
+
+namespace Tervane::Math::Detail {
+
+namespace {
+
+constexpr AlgorithmExecutionPolicy parallelPolicies[] = {Parallel, ParallelUnsequenced};
+
+TEST(ParallelFor, VisitsEveryElementOnceInChunksOfWholeCacheLines) {
+    for (AlgorithmExecutionPolicy const policy : parallelPolicies)
+        for (std::size_t const shortest : {1, 8, 100, 1000})
+            for (std::size_t const n : TestKit::awkwardLengthsAround(10'000)) {
+                std::vector<std::atomic<int>> visits(n);
+                std::vector<std::atomic<int>> chunks(maximumChunks);
+                std::size_t const count = parallelFor(
+                    policy, n, shortest, [&](std::size_t chunk, std::size_t begin, std::size_t end) {
+                        ++chunks[chunk];
+                        EXPECT_EQ(begin % 8, 0u);
+                        EXPECT_LT(begin, end);
+                        for (std::size_t i = begin; i < end; ++i)
+                            ++visits[i];
+                    });
+                EXPECT_LE(count, maximumChunks);
+                EXPECT_TRUE(std::all_of(visits.begin(), visits.end(), [](auto const& v) { return v == 1; }))
+                    << n;
+                for (std::size_t chunk = 0; chunk < maximumChunks; ++chunk)
+                    EXPECT_EQ(chunks[chunk], chunk < count ? 1 : 0) << n;
+            }
+}
+
+TEST(ParallelFor, GivesNoChunkLessThanTheShortestButTheLast) {
+    parallelFor(Parallel, 10'000, 3'000, [](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+        EXPECT_TRUE(end - begin >= 3'000 || end == 10'000);
+    });
+}
+
+TEST(ParallelFor, FinishesOnTheCallingThreadWhenTheRuntimeCannotGoOn) {
+    // A runtime that runs every other chunk and then finds no resources. Nothing may be left out or done
+    // twice.
+    std::vector<int> visits(10'000);
+    std::size_t const count = runInChunks(
+        visits.size(), 8, 16,
+        [&](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+            for (std::size_t i = begin; i < end; ++i)
+                ++visits[i];
+        },
+        [](auto first, auto last, auto const& run) {
+            for (auto chunk = first; chunk < last; chunk += 2)
+                run(*chunk);
+            throw std::bad_alloc();
+        });
+    EXPECT_EQ(count, 16u);
+    EXPECT_TRUE(std::all_of(visits.begin(), visits.end(), [](int v) { return v == 1; }));
+}
+
+} // namespace
+
+} // namespace Tervane::Math::Detail
