@@ -31,9 +31,12 @@ template<class T>
 class TVNMATH_API BasicObject : public T {
 public:
     /// Owns a plain ObjectData.
-    BasicObject();
-    BasicObject(BasicObject&& other) noexcept;
-    BasicObject& operator=(BasicObject&& other) noexcept;
+    BasicObject() : _object(new ObjectData) {}
+    BasicObject(BasicObject&& other) noexcept : T(std::move(other)), _object(std::move(other._object)) {}
+    BasicObject& operator=(BasicObject&& other) noexcept {
+        _object = std::move(other._object);
+        return *this;
+    }
     ~BasicObject() override;
 
 private:
@@ -43,45 +46,20 @@ private:
     friend struct Math::Detail::LegacyAccess;
 
     /// Owns the data object of a derived class of this library, which alone can link it.
-    TVNMATH_LOCAL explicit BasicObject(UniquePointer<ObjectData>&& data) noexcept;
+    TVNMATH_LOCAL explicit BasicObject(UniquePointer<ObjectData>&& data) noexcept
+        : _object(std::move(data)) {}
 
     /// @{
     /// The data object, which the concrete class casts to its own type; null after a move.
-    ObjectData* _data() noexcept;
-    ObjectData const* _data() const noexcept;
+    ObjectData* _data() noexcept { return _object.get(); }
+    ObjectData const* _data() const noexcept { return _object.get(); }
     /// @}
 
     UniquePointer<ObjectData> _object;
 };
 
 template<class T>
-BasicObject<T>::BasicObject() : _object(new ObjectData) {}
-
-template<class T>
-BasicObject<T>::BasicObject(BasicObject&& other) noexcept
-    : T(std::move(other)), _object(std::move(other._object)) {}
-
-template<class T>
-BasicObject<T>::BasicObject(UniquePointer<ObjectData>&& data) noexcept : _object(std::move(data)) {}
-
-template<class T>
-BasicObject<T>& BasicObject<T>::operator=(BasicObject&& other) noexcept {
-    _object = std::move(other._object);
-    return *this;
-}
-
-template<class T>
 BasicObject<T>::~BasicObject() = default;
-
-template<class T>
-ObjectData* BasicObject<T>::_data() noexcept {
-    return _object.get();
-}
-
-template<class T>
-ObjectData const* BasicObject<T>::_data() const noexcept {
-    return _object.get();
-}
 
 extern template class BasicObject<Math::AbstractMatrix>;
 extern template class BasicObject<Math::AbstractVector>;

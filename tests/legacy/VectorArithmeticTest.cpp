@@ -284,7 +284,8 @@ TEST(VectorArithmetic, BothOperandsMayBeTheSameVector) {
             Vector const& same = v;
             Vector sum = std::move(v) + same;
             EXPECT_EQ(valuesOf(sum), Values(n, 6.0));
-            sum -= sum;
+            Vector const& itself = sum;
+            sum -= itself;
             EXPECT_EQ(valuesOf(sum), Values(n, 0.0));
         }
     });
