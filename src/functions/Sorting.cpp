@@ -1,8 +1,10 @@
+#include "foundation/Multiversion.h"
 #include "legacy/Access.h"
 
 #include <Math/Sorting.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace Tervane::Math {
@@ -13,11 +15,12 @@ namespace {
 
 // With a NaN among the elements the standard sort may leave the range and write over its neighbours. Finding
 // out is one pass at memory speed, a small part of the sort.
-bool hasNaN(double const* values, std::size_t n) noexcept {
-    bool found = false;
+TVNMATH_MULTIVERSION bool hasNaN(double const* values, std::size_t n) noexcept {
+    // As wide as an element, so that the comparison's mask is the value accumulated.
+    std::int64_t found = 0;
     for (std::size_t i = 0; i < n; ++i)
-        found |= values[i] != values[i];
-    return found;
+        found |= values[i] != values[i] ? -1 : 0;
+    return found != 0;
 }
 
 void sort(double* values, std::size_t n) {
