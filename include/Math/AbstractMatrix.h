@@ -50,7 +50,8 @@ public:
     ///
     /// @param error set on failure, left as it is on success: LinearAlgebraErrorCode::DimensionsMismatch when
     ///              the shapes differ, and unknown when anything else goes wrong, an exception of an
-    ///              operand's element access included. Nothing is thrown.
+    ///              operand's element access included. Nothing is thrown as long as there is memory for an
+    ///              empty matrix.
     /// @return the product; an empty matrix on failure
     Matrix elementwiseMultiply(AbstractMatrix const& b, System::ErrorCode& error) const;
 

@@ -16,6 +16,11 @@ using namespace Detail;
 
 using DataPointer = System::UniquePointer<System::ObjectData>;
 
+// The elements come first, so that a length is refused before anything is allocated.
+DataPointer dataOf(ComplexArray&& elements) {
+    return DataPointer(new ComplexVectorData(std::move(elements)));
+}
+
 // The elements as the doubles that they consist of, real and imaginary parts in turn.
 double* partsOf(ComplexArray& elements) {
     return reinterpret_cast<double*>(elements.data());
@@ -50,14 +55,14 @@ ComplexVector fresh(ComplexVector const& z, Op op) {
 
 ComplexVector::ComplexVector() : Object(DataPointer(new ComplexVectorData)) {}
 
-ComplexVector::ComplexVector(std::size_t n) : Object(DataPointer(new ComplexVectorData(ComplexArray(n)))) {}
+ComplexVector::ComplexVector(std::size_t n) : Object(dataOf(ComplexArray(n))) {}
 
 ComplexVector::ComplexVector(std::vector<std::complex<double>> const& values) : ComplexVector() {
     setData(reinterpret_cast<double const*>(values.data()), values.size());
 }
 
 ComplexVector::ComplexVector(ComplexVector const& other)
-    : Object(DataPointer(new ComplexVectorData(ComplexArray(LegacyAccess::elements(other))))) {}
+    : Object(dataOf(ComplexArray(LegacyAccess::elements(other)))) {}
 
 ComplexVector::ComplexVector(ComplexVector&& other) noexcept = default;
 

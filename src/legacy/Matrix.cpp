@@ -19,6 +19,20 @@ using Detail::RealArray;
 using BlockRow = std::initializer_list<Matrix>;
 using DataPointer = System::UniquePointer<System::ObjectData>;
 
+// The elements come first, so that a length is refused before anything is allocated.
+DataPointer dataOf(RealArray&& elements, Dimensions const& dimensions) {
+    return DataPointer(new MatrixData(std::move(elements), dimensions));
+}
+
+DataPointer copyOf(AbstractDataTable const& table) {
+    Dimensions const shape = table.size();
+    RealArray elements(Detail::Uninitialised{}, Detail::elementCount(shape));
+    for (std::size_t r = 0; r < shape.rows(); ++r)
+        for (std::size_t c = 0; c < shape.columns(); ++c)
+            elements[r + c * shape.rows()] = table[Index(r, c)];
+    return dataOf(std::move(elements), shape);
+}
+
 std::size_t widthOf(BlockRow blocks) {
     return std::accumulate(blocks.begin(), blocks.end(), std::size_t{0},
                            [](std::size_t total, Matrix const& block) { return total + block.columns(); });
@@ -44,21 +58,12 @@ Matrix::Matrix(std::size_t rows, std::size_t columns, double const& fill)
     : Matrix(Dimensions(rows, columns), fill) {}
 
 Matrix::Matrix(Dimensions const& dimensions, double const& fill)
-    : BasicObject(
-        DataPointer(new MatrixData(RealArray(Detail::elementCount(dimensions), fill), dimensions))) {}
+    : BasicObject(dataOf(RealArray(Detail::elementCount(dimensions), fill), dimensions)) {}
 
-Matrix::Matrix(AbstractDataTable const& table) : Matrix(table.size(), 0.0) {
-    MatrixData& copy = LegacyAccess::data(*this);
-    std::size_t const rowCount = copy.dimensions.rows();
-    std::size_t const columnCount = copy.dimensions.columns();
-    for (std::size_t r = 0; r < rowCount; ++r)
-        for (std::size_t c = 0; c < columnCount; ++c)
-            copy.values[r + c * rowCount] = table[Index(r, c)];
-}
+Matrix::Matrix(AbstractDataTable const& table) : BasicObject(copyOf(table)) {}
 
 Matrix::Matrix(Matrix const& other)
-    : BasicObject(DataPointer(
-        new MatrixData(RealArray(LegacyAccess::elements(other)), LegacyAccess::data(other).dimensions))) {}
+    : BasicObject(dataOf(RealArray(LegacyAccess::elements(other)), LegacyAccess::data(other).dimensions)) {}
 
 Matrix::Matrix(Matrix&& other) noexcept = default;
 

@@ -17,8 +17,24 @@ using Detail::VectorData;
 
 using DataPointer = System::UniquePointer<System::ObjectData>;
 
+// The elements come first in all of these, so that a length is refused before anything is allocated.
+DataPointer dataOf(RealArray&& elements, VectorOrientation orientation) {
+    return DataPointer(new VectorData(std::move(elements), orientation));
+}
+
 DataPointer columnOf(RealArray&& elements) {
-    return DataPointer(new VectorData(std::move(elements), Column));
+    return dataOf(std::move(elements), Column);
+}
+
+DataPointer copyOf(AbstractVector const& v) {
+    VectorOrientation const orientation = v.orientation();
+    RealArray elements(v.length());
+    for (std::size_t i = 0; i < v.length(); ++i) {
+        if (i == elements.length())
+            elements.resize(i + 1); // a table that grows while it is read
+        elements[i] = v.value(i);
+    }
+    return dataOf(std::move(elements), orientation);
 }
 
 RealArray concatenated(Vector const* vectors, std::size_t n) {
@@ -50,17 +66,7 @@ Vector::Vector(Vector const* vectors, std::size_t n) : BasicObject(columnOf(conc
 
 Vector::Vector(std::initializer_list<Vector> vectors) : Vector(vectors.begin(), vectors.size()) {}
 
-Vector::Vector(AbstractVector const& v) : Vector() {
-    VectorData& data = LegacyAccess::data(*this);
-    data.orientation = v.orientation();
-    RealArray& elements = data.values;
-    elements = RealArray(v.length());
-    for (std::size_t i = 0; i < v.length(); ++i) {
-        if (i == elements.length())
-            elements.resize(i + 1); // a table that grows while it is read
-        elements[i] = v.value(i);
-    }
-}
+Vector::Vector(AbstractVector const& v) : BasicObject(copyOf(v)) {}
 
 // Callers rely on the fill being ignored.
 Vector::Vector(Dimensions const& dimensions, double const& /*fill*/)
@@ -69,8 +75,7 @@ Vector::Vector(Dimensions const& dimensions, double const& /*fill*/)
 }
 
 Vector::Vector(Vector const& other)
-    : BasicObject(DataPointer(
-        new VectorData(RealArray(LegacyAccess::elements(other)), LegacyAccess::data(other).orientation))) {}
+    : BasicObject(dataOf(RealArray(LegacyAccess::elements(other)), LegacyAccess::data(other).orientation)) {}
 
 Vector::Vector(Vector&& other) noexcept = default;
 

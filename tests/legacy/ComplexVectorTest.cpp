@@ -212,6 +212,18 @@ TEST(ComplexView, ReadsTheElementOfAConstantVector) {
     static_assert(!std::is_assignable_v<ComplexView, Complex>);
 }
 
+template<class Z>
+concept Iterable = requires(Z& z) {
+    z.begin();
+    z.end();
+};
+
+TEST(ComplexVectorIterator, IsForVectorsThatMayBeWritten) {
+    static_assert(Iterable<ComplexVector>);
+    static_assert(!Iterable<ComplexVector const>);
+    SUCCEED() << "checked when compiled";
+}
+
 TEST(ComplexVectorIterator, StepsByWholeElements) {
     ComplexVector z = complexOf({1.0, 2.0, 3.0, 4.0, 5.0, 6.0});
     ComplexVector::iterator it = z.begin();

@@ -406,6 +406,13 @@ TEST(Vector, ResizeBeyondTheStorageKeepsElementsAndOrientation) {
     EXPECT_EQ(v[100], 0.0);
 }
 
+class Endless : public OwnVector {
+public:
+    Endless() : OwnVector(1, 1, {1.0}) {}
+    using OwnVector::operator[];
+    std::size_t length() const override { return tooMany; }
+};
+
 TEST(Vector, RefusesMoreThanTheLargestLength) {
     std::string const text = "vector too long";
     double const x = 1.0;
@@ -415,6 +422,7 @@ TEST(Vector, RefusesMoreThanTheLargestLength) {
     EXPECT_EQ(lengthErrorOf([&] { Vector const w(tooMany); }), text);
     EXPECT_EQ(lengthErrorOf([&] { Vector(&x, tooMany); }), text);
     EXPECT_EQ(lengthErrorOf([&] { Vector(Dimensions(tooMany, 1), 0.0); }), text);
+    EXPECT_EQ(lengthErrorOf([&] { Vector const w((Endless())); }), text);
     EXPECT_EQ(lengthErrorOf([&] { v.reserve(tooMany); }), text);
     EXPECT_EQ(lengthErrorOf([&] { v.resize(tooMany); }), text);
     EXPECT_EQ(lengthErrorOf([&] { v.resize(static_cast<std::size_t>(-1)); }), text);
