@@ -5,7 +5,6 @@
 #include <Math/Reductions.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace Tervane::Math {
@@ -23,10 +22,11 @@ double mean(double const* values, std::size_t n) noexcept {
 
 // The comparison of the standard search, which never takes a NaN, and in this order of its operands is one
 // instruction. Written over an array, because compilers turn that into registers of whatever width there is;
-// 32 running maxima cover the four cycles of latency at two instructions a cycle. They forget which of
+// 32 running maxima cover the four cycles of latency at two instructions a cycle. All of them begin with the
+// first element, because the search stays at a NaN there: no element is above it. They forget which of
 // several equal elements came first.
 //
-// pre: n is not 0, and the first element is not a NaN
+// pre: n is not 0
 TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {
     constexpr std::size_t lanes = 32;
     double largest = values[0];
@@ -47,9 +47,6 @@ TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noe
 double max(double const* values, std::size_t n) noexcept {
     if (n == 0)
         return std::numeric_limits<double>::quiet_NaN();
-    // No element is above a NaN, so the standard search stays at one in front.
-    if (std::isnan(values[0]))
-        return values[0];
     double const largest = someMaximum(values, n);
     // Only zeros are equal without being the same, and then the first one decides.
     return largest == 0.0 ? *std::find(values, values + n, 0.0) : largest;

@@ -29,6 +29,17 @@ struct Sine {
     double operator()(double x) const { return std::sin(x); }
 };
 
+/// Knows a way through a range, and tells for how many elements it was asked to go it.
+struct RangeSine : Sine {
+    std::atomic<std::size_t>* inRanges;
+    using Sine::operator();
+    void operator()(double const* in, double* out, std::size_t n) const {
+        *inRanges += n;
+        for (std::size_t i = 0; i < n; ++i)
+            out[i] = std::sin(in[i]);
+    }
+};
+
 constexpr std::size_t streamingLimit = parallelLimit(ElementCost::Streaming);
 constexpr std::size_t functionLimit = parallelLimit(ElementCost::Function);
 
@@ -105,6 +116,27 @@ TEST(ElementwiseDispatch, ComputesOneOperandAlikeUnderEveryPolicy) {
             ElementwiseDispatch::transform(inPlace.data(), inPlace.data() + n, inPlace.data(), Sine());
             EXPECT_TRUE(sameBits(inPlace, expected));
         });
+    }
+}
+
+TEST(ElementwiseDispatch, GivesWholeRangesToAnOperationThatTakesThem) {
+    for (std::size_t const n : awkwardLengthsAround(functionLimit)) {
+        std::vector<double> const in = valuesByBitPattern(n);
+        std::vector<double> expected(n);
+        for (std::size_t i = 0; i < n; ++i)
+            expected[i] = std::sin(in[i]);
+        for (AlgorithmExecutionPolicy const policy : allPolicies) {
+            PolicyScope const scope(policy);
+            std::atomic<std::size_t> inRanges{0};
+            Poisoned out(n);
+            EXPECT_EQ(ElementwiseDispatch::transform(in.data(), in.data() + n, out.data(),
+                                                     RangeSine{{}, &inRanges}),
+                      out.data() + n);
+            EXPECT_TRUE(sameBits(out.elements(), expected)) << policy;
+            EXPECT_TRUE(out.guardsAreIntact());
+            // The standard serial algorithm goes element by element.
+            EXPECT_EQ(inRanges, policy == Sequenced ? 0 : n) << policy;
+        }
     }
 }
 

@@ -1,4 +1,5 @@
 #include "containers/Access.h"
+#include "foundation/ElementwiseDispatch.h"
 #include "functions/Generations.h"
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
@@ -84,8 +85,8 @@ protected:
 
 TYPED_TEST_SUITE(Elementwise, Generations, GenerationName);
 
-constexpr std::size_t functionLimit = 1024;
-constexpr std::size_t streamingLimit = 32'768;
+constexpr std::size_t functionLimit = Detail::parallelLimit(Detail::ElementCost::Function);
+constexpr std::size_t streamingLimit = Detail::parallelLimit(Detail::ElementCost::Streaming);
 
 } // namespace
 

@@ -1,3 +1,4 @@
+#include "foundation/ElementwiseDispatch.h"
 #include "functions/Generations.h"
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
@@ -120,7 +121,7 @@ TYPED_TEST(Interpolation, EveryTableLengthGivesWhatASearchFromTheFrontGives) {
 TYPED_TEST(Interpolation, EveryQueryLengthIsCovered) {
     std::vector<double> const xp = ascending(50, 3);
     std::vector<double> const fp = ordinaryValues(50, 4);
-    for (std::size_t const n : awkwardLengthsAround(1024))
+    for (std::size_t const n : awkwardLengthsAround(Detail::parallelLimit(Detail::ElementCost::Function)))
         this->expectAll(ordinaryValues(n, 5), xp, fp);
 }
 

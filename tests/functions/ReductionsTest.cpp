@@ -1,3 +1,4 @@
+#include "foundation/ElementwiseDispatch.h"
 #include "functions/Generations.h"
 #include "kit/Bits.h"
 #include "kit/ErrorBounds.h"
@@ -26,7 +27,7 @@ class Reductions : public testing::Test {};
 
 TYPED_TEST_SUITE(Reductions, Generations, GenerationName);
 
-constexpr std::size_t parallelLimit = 32'768;
+constexpr std::size_t parallelLimit = Detail::parallelLimit(Detail::ElementCost::Streaming);
 
 double sumInFourLanes(std::vector<double> const& x) {
     double total = 0.0;
