@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -45,6 +46,19 @@ void reused(benchmark::State& state, Operation operation) {
     Container const b(n, 0.0);
     for (auto _ : state) {
         a = operation(std::move(a), b);
+        benchmark::DoNotOptimize(a.data());
+    }
+    setThroughput(state, n);
+}
+
+/// Added to one vector again and again.
+template<class Container>
+void accumulated(benchmark::State& state) {
+    auto const n = static_cast<std::size_t>(state.range(0));
+    Container a(n, 1.5);
+    Container const b(n, 0.0);
+    for (auto _ : state) {
+        a += b;
         benchmark::DoNotOptimize(a.data());
     }
     setThroughput(state, n);
@@ -88,16 +102,7 @@ void addGeneration(std::string const& generation) {
         [](auto& state) { reused<V>(state, [](V&& a, V const& b) { return std::move(a) + b; }); });
     add("MinusReused/" + generation,
         [](auto& state) { reused<V>(state, [](V&& a, V const&) -> V { return -std::move(a); }); });
-    add("PlusAssign/" + generation, [](auto& state) {
-        auto const n = static_cast<std::size_t>(state.range(0));
-        V a(n, 1.5);
-        V const b(n, 0.0);
-        for (auto _ : state) {
-            a += b;
-            benchmark::DoNotOptimize(a.data());
-        }
-        setThroughput(state, n);
-    });
+    add("PlusAssign/" + generation, [](auto& state) { accumulated<V>(state); });
     add("ComplexScalarProduct/" + generation,
         [](auto& state) { complexFresh<Z>(state, [](Z const& z) { return z * 2.0; }); });
 }

@@ -55,6 +55,9 @@ public:
 
     /// @name Concatenation
     /// The elements of the given vectors one after the other, as a column whatever the vectors are.
+    ///
+    /// Copy a single vector with parentheses: in braces it is a list of one for some compilers, which makes a
+    /// column of it, and a copy for others.
     /// @{
     Vector(Vector const* vectors, std::size_t n);
     Vector(std::initializer_list<Vector> vectors);

@@ -137,14 +137,6 @@ TEST(Vector, FromVectorsAllocatesItsElementsOnce) {
     EXPECT_EQ(joined.length(), 600U);
 }
 
-TEST(Vector, FromOneVectorInBracesIsAColumnOfItsElements) {
-    Vector const row = rowOf({1.0, 2.0});
-    Vector const braced{row};
-    EXPECT_EQ(braced.orientation(), Column) << "a list of one vector";
-    Vector const copied(row);
-    EXPECT_EQ(copied.orientation(), Row);
-}
-
 class Recorded : public OwnVector {
 public:
     using OwnVector::OwnVector;
