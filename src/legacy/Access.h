@@ -49,8 +49,9 @@ struct LegacyAccess {
     /// @{
     static Vector uninitialisedVector(std::size_t n, VectorOrientation orientation = Column) {
         Vector v;
-        data(v).values = RealArray(Uninitialised{}, n);
-        data(v).orientation = orientation;
+        VectorData& d = data(v);
+        d.values = RealArray(Uninitialised{}, n);
+        d.orientation = orientation;
         return v;
     }
 

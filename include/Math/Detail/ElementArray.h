@@ -74,7 +74,11 @@ public:
         return *this;
     }
 
-    ~ElementArray() { Allocator().deallocate(_begin, capacity()); }
+    /// Asked here rather than by the allocator: most arrays that die have been moved from.
+    ~ElementArray() {
+        if (_begin != nullptr)
+            Allocator().deallocate(_begin, capacity());
+    }
 
     void swap(ElementArray& other) noexcept {
         std::swap(_begin, other._begin);
