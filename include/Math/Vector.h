@@ -64,8 +64,8 @@ public:
     /// @}
 
     /// A copy of any vector in its orientation. Length and elements are asked for through the virtual
-    /// operations, the length again before each element; an empty ViewVector, whose length is 1, must
-    /// therefore not be copied.
+    /// operations, the length again before each element. Beware of an empty ViewVector: its length is 1, so
+    /// an element is read that may not be there.
     explicit Vector(AbstractVector const& v);
 
     /// Zeros, as many as the larger of the dimensions; a row when there are several columns. The fill is not

@@ -94,7 +94,9 @@ std::vector<std::size_t> lengths() {
 }
 
 /// Whether a range is too short for the parallel runtime, which allocates for itself when it is first used.
-bool staysOnTheCallingThread(std::size_t n) { return n < Detail::parallelLimit(Detail::ElementCost::Streaming); }
+bool staysOnTheCallingThread(std::size_t n) {
+    return n < Detail::parallelLimit(Detail::ElementCost::Streaming);
+}
 
 /// Special values for a second operand, but an ordinary one wherever the first is a NaN: of two NaNs, which
 /// payload survives is the compiler's choice.

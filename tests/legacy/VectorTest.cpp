@@ -178,6 +178,12 @@ TEST(Vector, FromAnyVectorTakesItsDefaults) {
     EXPECT_EQ(Vector(OwnVector(0, 0, {})).length(), 0U);
 }
 
+TEST(Vector, FromAnEmptyViewTakesTheOneElementThatTheViewReports) {
+    double const beyond[] = {5.0};
+    Vector const v(ViewVector(beyond, 0, Column));
+    EXPECT_EQ(valuesOf(v), (Values{5.0}));
+}
+
 class Changing : public OwnVector {
 public:
     Changing(std::size_t first, std::size_t later)
