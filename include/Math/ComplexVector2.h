@@ -51,7 +51,7 @@ public:
     /// Releases this vector's storage and takes over that of `other`, which is left empty.
     ComplexVector2& operator=(ComplexVector2&& other) noexcept = default;
 
-    ~ComplexVector2() = default;
+    ~ComplexVector2();
 
     /// A column of count / 2 elements from interleaved pairs: element k is (values[2k], values[2k + 1]).
     ///

@@ -57,7 +57,7 @@ public:
     /// dimensions.
     Matrix2& operator=(Matrix2&& other) noexcept = default;
 
-    ~Matrix2() = default;
+    ~Matrix2();
 
     /// @name Elements
     /// The element at a row and a column.

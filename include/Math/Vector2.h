@@ -62,7 +62,7 @@ public:
     /// to itself keeps its elements. Allocates nothing.
     Vector2& operator=(Vector2&& other) noexcept = default;
 
-    ~Vector2() = default;
+    ~Vector2();
 
     /// @name Elements
     /// @pre the index is below length(); for front() and back() the vector is not empty

@@ -15,6 +15,8 @@ namespace Tervane::Math {
 
 ComplexVector2::ComplexVector2(std::size_t n) : _elements(n) {}
 
+ComplexVector2::~ComplexVector2() = default;
+
 System::Expected<ComplexVector2, System::ErrorCode2> ComplexVector2::fromData(double const* values,
                                                                               std::size_t count) {
     return System::guard<ComplexVector2>([=] {

@@ -12,4 +12,6 @@ Matrix2::Matrix2(Dimensions const& size, double const& value)
 Matrix2::Matrix2(std::size_t rows, std::size_t columns, double const& value)
     : Matrix2(Dimensions(rows, columns), value) {}
 
+Matrix2::~Matrix2() = default;
+
 } // namespace Tervane::Math

@@ -22,6 +22,8 @@ Vector2::Vector2(double const* source, std::size_t n) : _elements(source, n) {}
 Vector2::Vector2(VectorView2 const& view)
     : _elements(view.data(), view.length()), _orientation(Detail::ContainerAccess::orientation(view)) {}
 
+Vector2::~Vector2() = default;
+
 Vector2 Vector2::operator[](Slice const& slice) const {
     Detail::ResolvedSlice const selection = Detail::resolveSlice(slice, length());
     Vector2 result = Detail::ContainerAccess::uninitialised(selection.count, Column);
