@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 #include <utility>
 
 namespace Tervane::Math::Bench {
@@ -64,15 +63,15 @@ void standardLoop(benchmark::State& state, bool ascending) {
 }
 
 [[maybe_unused]] bool const registered = [] {
-    for (bool const ascending : {false, true}) {
-        std::string const order = ascending ? "ascending" : "any order";
-        benchmark::RegisterBenchmark(("Interp/std/" + order).c_str(), standardLoop, ascending)->UseRealTime();
-        benchmark::RegisterBenchmark(("Interp/inline/" + order).c_str(), library, Inline, ascending)
-            ->UseRealTime();
-        benchmark::RegisterBenchmark(("Interp/default/" + order).c_str(), library, ParallelUnsequenced,
-                                     ascending)
-            ->UseRealTime();
-    }
+    auto const add = [](char const* name, auto... run) {
+        benchmark::RegisterBenchmark(name, run...)->Arg(queryCount)->UseRealTime();
+    };
+    add("Interp/std", standardLoop, false);
+    add("Interp/inline", library, Inline, false);
+    add("Interp/default", library, ParallelUnsequenced, false);
+    add("Interp ascending/std", standardLoop, true);
+    add("Interp ascending/inline", library, Inline, true);
+    add("Interp ascending/default", library, ParallelUnsequenced, true);
     return true;
 }();
 

@@ -73,7 +73,7 @@ void sumEigen(benchmark::State& state) {
 }
 #endif
 
-void maxInline(benchmark::State& state) {
+void maxLibrary(benchmark::State& state) {
     reduce(state, Inline, [](Vector2 const& x) { return max(x); });
 }
 
@@ -87,11 +87,11 @@ void maxStandard(benchmark::State& state) {
         benchmark::RegisterBenchmark("Sum/loop", sumLoop)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Sum/inline", sumInline)->Arg(n)->UseRealTime();
 #ifdef TVNMATH_BENCHMARK_EIGEN
-        benchmark::RegisterBenchmark("Sum/Eigen", sumEigen)->Arg(n)->UseRealTime();
+        benchmark::RegisterBenchmark("Sum/eigen", sumEigen)->Arg(n)->UseRealTime();
 #endif
         benchmark::RegisterBenchmark("Sum/default", sumDefault)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Max/std", maxStandard)->Arg(n)->UseRealTime();
-        benchmark::RegisterBenchmark("Max/inline", maxInline)->Arg(n)->UseRealTime();
+        benchmark::RegisterBenchmark("Max/library", maxLibrary)->Arg(n)->UseRealTime();
     }
     return true;
 }();

@@ -7,9 +7,11 @@
 #include <cmath>
 #include <cstdint>
 
-namespace Tervane::Math::Detail::Kernels {
+namespace Tervane::Math::Detail {
 
-TVNMATH_MULTIVERSION bool squareRootsUnlessNegative(double const* in, double* out, std::size_t n) noexcept {
+namespace {
+
+TVNMATH_MULTIVERSION bool rootsUnlessNegative(double const* in, double* out, std::size_t n) noexcept {
     // As wide as an element, so that the comparison's mask is the value accumulated.
     std::int64_t negative = 0;
     for (std::size_t i = 0; i < n; ++i)
@@ -22,4 +24,10 @@ TVNMATH_MULTIVERSION bool squareRootsUnlessNegative(double const* in, double* ou
     return true;
 }
 
-} // namespace Tervane::Math::Detail::Kernels
+} // namespace
+
+bool Kernels::squareRootsUnlessNegative(double const* in, double* out, std::size_t n) noexcept {
+    return rootsUnlessNegative(in, out, n);
+}
+
+} // namespace Tervane::Math::Detail

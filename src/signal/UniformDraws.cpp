@@ -7,17 +7,6 @@
 
 namespace Tervane::Math::Detail {
 
-TVNMATH_MULTIVERSION void Kernels::uniformValues(std::uint32_t const* __restrict outputs, double lo,
-                                                 double width, double* __restrict values,
-                                                 std::size_t n) noexcept {
-    for (std::size_t i = 0; i < n; ++i) {
-        double const x1 = outputs[2 * i];
-        double const x2 = outputs[2 * i + 1];
-        double const u = (x1 + x2 * 4294967296.0) / 18446744073709551616.0;
-        values[i] = width * u + lo;
-    }
-}
-
 namespace {
 
 constexpr std::size_t length = UniformDraws::blockLength;
@@ -56,7 +45,22 @@ TVNMATH_MULTIVERSION void temper(std::uint32_t const* __restrict state,
     }
 }
 
+TVNMATH_MULTIVERSION void toValues(std::uint32_t const* __restrict outputs, double lo, double width,
+                                   double* __restrict values, std::size_t n) noexcept {
+    for (std::size_t i = 0; i < n; ++i) {
+        double const x1 = outputs[2 * i];
+        double const x2 = outputs[2 * i + 1];
+        double const u = (x1 + x2 * 4294967296.0) / 18446744073709551616.0;
+        values[i] = width * u + lo;
+    }
+}
+
 } // namespace
+
+void Kernels::uniformValues(std::uint32_t const* outputs, double lo, double width, double* values,
+                            std::size_t n) noexcept {
+    toValues(outputs, lo, width, values, n);
+}
 
 UniformDraws::UniformDraws(std::uint32_t seed) noexcept {
     _state[0] = seed;
