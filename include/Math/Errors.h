@@ -35,8 +35,8 @@ enum LinearAlgebraErrc : std::int32_t {
         6,                  ///< "solution could not be computed": constraints and model do not fix a solution
     LeastSquaresFailed = 7, ///< no text of its own, and callers see "Unrecognised error (7)": a deficient
                             ///< rank in `gels`, a decomposition that did not converge in `gelsd`
-    MatrixNotSquare = 8, ///< "matrix is not square"
-    MatrixSingular = 9,  ///< "matrix is singular"
+    MatrixNotSquare = 8,    ///< "matrix is not square"
+    MatrixSingular = 9,     ///< "matrix is singular"
 };
 
 /// Failures of the Fourier transforms; category "math-fft".

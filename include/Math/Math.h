@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The whole interface of TVNMath: both generations' containers, their arithmetic and functions, linear algebra and
-/// signal processing.
+/// The whole interface of TVNMath: both generations' containers, their arithmetic and functions, linear
+/// algebra and signal processing.
 ///
 /// @code
 /// #include <Math/Math.h>

@@ -109,6 +109,7 @@ void ComplexVector::setData(double const* p, std::size_t n) {
 // Serial, and with a copy of `v` that nobody reads: callers rely on both, so the product does not go through
 // the dispatch, and always allocates.
 ComplexVector operator*(ComplexVector&& z, Vector const& v) {
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the allocation is the point
     Vector const unread(v);
     ComplexArray& elements = LegacyAccess::elements(z);
     Kernels::independent(elements.data(), LegacyAccess::elements(v).data(), elements.data(),

@@ -75,6 +75,7 @@ double const* ViewVector::begin() const {
 // An empty view has length 1, and callers rely on its end being an element behind its data, be that null: as
 // an integer, because the language counts only within an array.
 double const* ViewVector::end() const {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): see above
     return reinterpret_cast<double const*>(reinterpret_cast<std::uintptr_t>(data())
                                            + length() * sizeof(double));
 }

@@ -21,7 +21,6 @@ namespace Tervane::Math {
 
 namespace {
 
-using Detail::Elements;
 using Detail::ElementsInOut;
 using Detail::elementsOf;
 using Detail::Failure;

@@ -205,7 +205,7 @@ void addInOrder(double const* in1, double const* in2, double* out, std::size_t n
 
 TEST(ElementwiseDispatch, KeepsTheOrderWhereTheOutputOverlapsAnInputPartly) {
     PolicyScope const scope(Inline);
-    for (std::size_t const n : {1, 7, 8, 9, 40, 100})
+    for (std::size_t const n : std::initializer_list<std::size_t>{1, 7, 8, 9, 40, 100})
         for (std::size_t distance = 0; distance <= 16; ++distance) {
             SCOPED_TRACE("length " + std::to_string(n) + ", distance " + std::to_string(distance));
             std::vector<double> const start = ordinaryValues(n + 16);

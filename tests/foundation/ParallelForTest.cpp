@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <initializer_list>
 #include <new>
 #include <set>
 #include <vector>
@@ -19,7 +20,7 @@ constexpr AlgorithmExecutionPolicy parallelPolicies[] = {Parallel, ParallelUnseq
 
 TEST(ParallelFor, VisitsEveryElementOnceInChunksOfWholeCacheLines) {
     for (AlgorithmExecutionPolicy const policy : parallelPolicies)
-        for (std::size_t const shortest : {1, 8, 100, 1000})
+        for (std::size_t const shortest : std::initializer_list<std::size_t>{1, 8, 100, 1000})
             for (std::size_t const n : TestKit::awkwardLengthsAround(10'000)) {
                 std::vector<std::atomic<int>> visits(n);
                 std::vector<std::atomic<int>> chunks(maximumChunks);

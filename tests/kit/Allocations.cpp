@@ -72,7 +72,7 @@ bool mayAllocate(std::size_t bytes) {
 } // namespace
 
 // Where everything else is hidden these must be seen, or shared libraries find the C library's instead.
-#pragma GCC visibility push(default)
+#    pragma GCC visibility push(default)
 
 extern "C" {
 
@@ -103,7 +103,7 @@ int posix_memalign(void** p, std::size_t alignment, std::size_t bytes) {
 
 } // extern "C"
 
-#pragma GCC visibility pop
+#    pragma GCC visibility pop
 
 #endif
 

@@ -145,6 +145,7 @@ private:
     /// not.
     static void fillNew(T* first, T* last, T const& value) noexcept {
         static constexpr unsigned char zeroBits[sizeof(T)] = {};
+        // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): the bits are what is asked for
         if (std::memcmp(&value, zeroBits, sizeof(T)) == 0) {
             if (first != last)
                 std::memset(static_cast<void*>(first), 0, static_cast<std::size_t>(last - first) * sizeof(T));

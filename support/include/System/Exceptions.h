@@ -126,7 +126,7 @@ public:
     ErrorCode2& error() & noexcept { return _error; }
     ErrorCode2 const& error() const& noexcept { return _error; }
     ErrorCode2&& error() && noexcept { return std::move(_error); }
-    ErrorCode2 const&& error() const&& noexcept { return std::move(_error); }
+    ErrorCode2 const&& error() const&& noexcept { return static_cast<ErrorCode2 const&&>(_error); }
     /// @}
 
 private:

@@ -234,12 +234,12 @@ private:
                         Born&& content) noexcept(std::is_nothrow_move_constructible_v<Born>) {
         if constexpr (std::is_nothrow_move_constructible_v<Born>) {
             destroy(dying);
-            construct(born, std::move(content));
+            construct(born, std::forward<Born>(content));
         } else {
             Dying saved(std::move(dying));
             destroy(dying);
             try {
-                construct(born, std::move(content));
+                construct(born, std::forward<Born>(content));
             } catch (...) {
                 construct(dying, std::move(saved));
                 throw;
@@ -291,7 +291,7 @@ public:
     ErrorCode2& error() & noexcept { return _error; }
     ErrorCode2 const& error() const& noexcept { return _error; }
     ErrorCode2&& error() && noexcept { return std::move(_error); }
-    ErrorCode2 const&& error() const&& noexcept { return std::move(_error); }
+    ErrorCode2 const&& error() const&& noexcept { return static_cast<ErrorCode2 const&&>(_error); }
     /// @}
 
     /// @{
