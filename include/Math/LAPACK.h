@@ -48,7 +48,7 @@ TVNMATH_API System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2&
 /// coordinates.
 ///
 /// b must be a column with room for the longer of the two sides of A: a row, or a vector too short, is
-/// refused.
+/// refused. So is `ConjugateTransposed`, which the driver for real numbers does not know.
 ///
 /// @return `LinearAlgebraErrc::InvalidParameter` for what the driver refuses, `LeastSquaresFailed` when A is
 /// exactly
