@@ -135,8 +135,11 @@ public:
     /// @return last
     static double* fill(double* first, double* last, double value);
 
-    /// The sum of the elements, 0.0 for none. Under the parallel policies its order is not fixed; otherwise
-    /// it is that of Detail::Kernels::sumInFourLanes.
+    /// The sum of the elements, 0.0 for none.
+    ///
+    /// Callers rely on its order under every policy that is not parallel: four running sums over the elements
+    /// whose index is 0, 1, 2, 3 modulo 4, joined as (s0 + s2) + (s1 + s3), then what is left over one at a
+    /// time. Under the parallel policies the order is not fixed.
     static double sum(double const* first, double const* last);
 
 private:
