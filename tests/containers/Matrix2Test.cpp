@@ -1,5 +1,6 @@
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
+#include "kit/LengthErrors.h"
 #include "kit/SpecialValues.h"
 
 #include <Math/Matrix2.h>
@@ -33,16 +34,6 @@ static_assert(std::is_same_v<decltype(std::declval<Matrix2&>()[0ul]), double*>);
 
 std::span<double const> elementsOf(Matrix2 const& m) {
     return {m.data(), m.rows() * m.columns()};
-}
-
-template<class Body>
-void expectTooLong(Body const& body) {
-    try {
-        body();
-        FAIL() << "no length error";
-    } catch (std::length_error const& error) {
-        EXPECT_STREQ(error.what(), "vector too long");
-    }
 }
 
 TEST(Matrix2, IsEmptyAndSquareByDefault) {
@@ -146,9 +137,12 @@ TEST(Matrix2, KeepsItsElementsWhenAssignedToItself) {
 }
 
 TEST(Matrix2, RefusesCountsBeyondTheLimit) {
-    expectTooLong([] { Matrix2 const m(std::size_t{1} << 61, 1, 0.0); });
-    expectTooLong([] { Matrix2 const m(std::size_t{1} << 31, std::size_t{1} << 30, 0.0); });
-    expectTooLong([] { Matrix2 const m(std::size_t{1} << 33, std::size_t{1} << 33, 0.0); }); // wraps to 0
+    EXPECT_EQ(lengthErrorOf([] { Matrix2 const m(std::size_t{1} << 61, 1, 0.0); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([] { Matrix2 const m(std::size_t{1} << 31, std::size_t{1} << 30, 0.0); }),
+              "vector too long");
+    // A product that wraps around to nothing.
+    EXPECT_EQ(lengthErrorOf([] { Matrix2 const m(std::size_t{1} << 33, std::size_t{1} << 33, 0.0); }),
+              "vector too long");
     EXPECT_THROW(Matrix2((std::size_t{1} << 61) - 1, 1, 0.0), std::bad_alloc);
 }
 

@@ -1,7 +1,9 @@
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
+#include "kit/LengthErrors.h"
 #include "kit/Lengths.h"
 #include "kit/Policies.h"
+#include "kit/SliceReference.h"
 #include "kit/SpecialValues.h"
 
 #include <Math/Vector2.h>
@@ -61,16 +63,6 @@ Vector2 makeRow(std::vector<double> const& values) {
 
 std::string textOf(Vector2 v) {
     return v.toString().value().narrow();
-}
-
-template<class Body>
-void expectTooLong(Body const& body) {
-    try {
-        body();
-        FAIL() << "no length error";
-    } catch (std::length_error const& error) {
-        EXPECT_STREQ(error.what(), "vector too long");
-    }
 }
 
 constexpr std::size_t tooLong = std::size_t{1} << 61;
@@ -195,48 +187,16 @@ TEST(Vector2, GivesReferencesToItsElements) {
     EXPECT_TRUE(sameBits(elementsOf(v), std::vector<double>{4, 5, 6}));
 }
 
-/// Start, stop and count by the rules of slices, in arithmetic of its own.
-std::vector<double> sliceReference(std::vector<double> const& values, long start, long stop, long step) {
-    auto const n = static_cast<long>(values.size());
-    long s = start < 0 ? start + n : start;
-    long e = stop < 0 ? stop + n : stop;
-    if (s < 0 || s > n)
-        s = step <= 0 ? n - 1 : n;
-    if (e < 0 || e > n)
-        e = stop <= 0 ? n - 1 : n;
-    std::vector<double> selected;
-    for (long k = 0; k < (e - s) / step; ++k)
-        selected.push_back(values.at(static_cast<std::size_t>(s + step * k)));
-    return selected;
-}
-
-/// Whether every selected position lies in the vector; other slices are the caller's mistake.
-bool staysInside(long n, long start, long stop, long step) {
-    std::vector<double> const positions(static_cast<std::size_t>(n));
-    try {
-        sliceReference(positions, start, stop, step);
-        return true;
-    } catch (std::out_of_range const&) {
-        return false;
-    }
-}
-
 TEST(Vector2Slice, AgreesWithTheRulesOnAnExhaustiveGrid) {
-    std::size_t compared = 0;
-    for (long n = 0; n <= 10; ++n) {
-        std::vector<double> const values = ordinaryValues(static_cast<std::size_t>(n));
-        Vector2 const v = make(values);
-        for (int start = -13; start <= 13; ++start)
-            for (int stop = -13; stop <= 13; ++stop)
-                for (int step = -12; step <= 12; ++step) {
-                    if (step == 0 || !staysInside(n, start, stop, step))
-                        continue;
-                    ASSERT_TRUE(sameBits(elementsOf(v[makeSlice(start, stop, step)]),
-                                         sliceReference(values, start, stop, step)))
-                        << "(" << start << ", " << stop << ", " << step << ") of " << n;
-                    ++compared;
-                }
-    }
+    std::vector<double> const values = ordinaryValues(10);
+    std::size_t const compared = forEachSlice(10, [&](int start, int stop, int step, std::size_t n,
+                                                      std::vector<long> const& positions) {
+        std::vector<double> expected;
+        for (long const p : positions)
+            expected.push_back(values[static_cast<std::size_t>(p)]);
+        ASSERT_TRUE(sameBits(elementsOf(Vector2(values.data(), n)[makeSlice(start, stop, step)]), expected))
+            << "(" << start << ", " << stop << ", " << step << ") of " << n;
+    });
     EXPECT_GT(compared, 100'000u);
 }
 
@@ -287,13 +247,14 @@ TEST(Vector2, ReportsALengthBeyondTheLimitFromResizeAsTheUnspecificError) {
 }
 
 TEST(Vector2, ThrowsForLengthsBeyondTheLimitElsewhere) {
-    expectTooLong([] { Vector2 const v(tooLong); });
-    expectTooLong([] { Vector2 const v(tooLong, 1.0); });
-    expectTooLong([] { Vector2 const v(std::numeric_limits<std::size_t>::max()); });
+    EXPECT_EQ(lengthErrorOf([] { Vector2 const v(tooLong); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([] { Vector2 const v(tooLong, 1.0); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([] { Vector2 const v(std::numeric_limits<std::size_t>::max()); }),
+              "vector too long");
     double const x = 1.0;
-    expectTooLong([&] { Vector2 const v(&x, tooLong); });
-    expectTooLong([&] { Vector2 const v(VectorView2(&x, tooLong, Row)); });
-    expectTooLong([] { Vector2().reserve(tooLong); });
+    EXPECT_EQ(lengthErrorOf([&] { Vector2 const v(&x, tooLong); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([&] { Vector2 const v(VectorView2(&x, tooLong, Row)); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([] { Vector2().reserve(tooLong); }), "vector too long");
     EXPECT_THROW(Vector2(tooLong - 1), std::bad_alloc);
     EXPECT_THROW(Vector2().reserve(tooLong - 1), std::bad_alloc);
 }

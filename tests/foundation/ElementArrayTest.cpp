@@ -1,5 +1,6 @@
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
+#include "kit/LengthErrors.h"
 #include "kit/SpecialValues.h"
 
 #include <Math/Detail/ElementArray.h>
@@ -21,6 +22,7 @@ namespace Tervane::Math::Detail {
 namespace {
 
 using TestKit::AllocationCounter;
+using TestKit::lengthErrorOf;
 using TestKit::sameBits;
 
 static_assert(sizeof(RealArray) == 3 * sizeof(void*));
@@ -35,17 +37,6 @@ std::span<double const> elementsOf(RealArray const& a) {
 
 RealArray make(std::vector<double> const& values) {
     return RealArray(values.data(), values.size());
-}
-
-template<class Body>
-void expectTooLong(Body const& body) {
-    AllocationCounter const counter;
-    try {
-        body();
-        FAIL() << "no length error";
-    } catch (std::length_error const& error) {
-        EXPECT_STREQ(error.what(), "vector too long");
-    }
 }
 
 TEST(ElementArray, AllocatesNothingWhenEmpty) {
@@ -160,14 +151,16 @@ TEST(ElementArray, ReservesExactly) {
 
 TEST(ElementArray, RefusesLengthsBeyondTheLimitBeforeAllocating) {
     constexpr std::size_t tooLong = RealArray::maxLength + 1;
-    expectTooLong([] { RealArray const a(tooLong); });
-    expectTooLong([] { RealArray const a(tooLong, 1.0); });
-    expectTooLong([] { RealArray const a(Uninitialised{}, std::numeric_limits<std::size_t>::max()); });
+    EXPECT_EQ(lengthErrorOf([] { RealArray const a(tooLong); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([] { RealArray const a(tooLong, 1.0); }), "vector too long");
+    EXPECT_EQ(
+        lengthErrorOf([] { RealArray const a(Uninitialised{}, std::numeric_limits<std::size_t>::max()); }),
+        "vector too long");
     RealArray a = make({1, 2, 3});
-    expectTooLong([&] { a.reserve(tooLong); });
-    expectTooLong([&] { a.resize(tooLong, 1.0); });
+    EXPECT_EQ(lengthErrorOf([&] { a.reserve(tooLong); }), "vector too long");
+    EXPECT_EQ(lengthErrorOf([&] { a.resize(tooLong, 1.0); }), "vector too long");
     EXPECT_TRUE(sameBits(elementsOf(a), std::vector<double>{1, 2, 3}));
-    expectTooLong([] { ComplexArray const z(ComplexArray::maxLength + 1); });
+    EXPECT_EQ(lengthErrorOf([] { ComplexArray const z(ComplexArray::maxLength + 1); }), "vector too long");
 }
 
 TEST(ElementArray, ThrowsBadAllocUpToTheLimit) {

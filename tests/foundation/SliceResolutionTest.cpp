@@ -1,5 +1,7 @@
 #include "foundation/SliceResolution.h"
 
+#include "kit/SliceReference.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -18,20 +20,6 @@ std::vector<long> selected(int start, int stop, int step, std::size_t n) {
     return positions;
 }
 
-/// The rules, one by one, in 64-bit arithmetic that cannot overflow for the small numbers of the grid.
-std::vector<long> reference(long start, long stop, long step, long n) {
-    long s = start < 0 ? n + start : start;
-    long e = stop < 0 ? n + stop : stop;
-    if (s < 0 || s > n)
-        s = step <= 0 ? n - 1 : n;
-    if (e < 0 || e > n)
-        e = stop <= 0 ? n - 1 : n;
-    std::vector<long> positions;
-    for (long k = 0; k < (e - s) / step; ++k)
-        positions.push_back(s + step * k);
-    return positions;
-}
-
 using Positions = std::vector<long>;
 
 TEST(SliceResolution, AgreesWithTheRulesOnAnExhaustiveGrid) {
@@ -41,7 +29,7 @@ TEST(SliceResolution, AgreesWithTheRulesOnAnExhaustiveGrid) {
                 for (int step = -14; step <= 14; ++step) {
                     if (step != 0) {
                         ASSERT_EQ(selected(start, stop, step, static_cast<std::size_t>(n)),
-                                  reference(start, stop, step, n))
+                                  TestKit::slicePositions(start, stop, step, n))
                             << "(" << start << ", " << stop << ", " << step << ") of " << n;
                     }
                 }

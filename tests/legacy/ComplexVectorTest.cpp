@@ -1,6 +1,7 @@
 #include "foundation/ElementwiseDispatch.h"
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
+#include "kit/LengthErrors.h"
 #include "kit/Lengths.h"
 #include "kit/Policies.h"
 #include "kit/SpecialValues.h"
@@ -48,15 +49,6 @@ ComplexVector complexOf(Values const& parts) {
 
 Values valuesOf(ComplexVector const& z) {
     return Values(z.data(), z.data() + 2 * z.length());
-}
-
-std::string lengthErrorOf(auto const& request) {
-    try {
-        request();
-    } catch (std::length_error const& e) {
-        return e.what();
-    }
-    return "no exception";
 }
 
 TEST(ComplexVector, DefaultIsEmpty) {
@@ -157,9 +149,9 @@ TEST(ComplexVector, RefusesMoreThanTheLargestLength) {
     std::size_t const tooMany = std::size_t{1} << 60;
     ComplexVector z = complexOf({1.0, 2.0});
     double const x = 0.0;
-    EXPECT_EQ(lengthErrorOf([&] { z.reserve(tooMany); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { z.setData(&x, tooMany); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { ComplexVector const w(tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { z.reserve(tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { z.setData(&x, tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { ComplexVector const w(tooMany); }), text);
     EXPECT_EQ(valuesOf(z), (Values{1.0, 2.0}));
 }
 

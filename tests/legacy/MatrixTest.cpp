@@ -1,5 +1,6 @@
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
+#include "kit/LengthErrors.h"
 #include "kit/SpecialValues.h"
 #include "legacy/Access.h"
 #include "legacy/Tables.h"
@@ -40,15 +41,6 @@ Matrix matrixOf(std::size_t rows, std::size_t columns, Values const& columnMajor
     for (std::size_t i = 0; i < columnMajor.size(); ++i)
         m.data()[i] = columnMajor[i];
     return m;
-}
-
-std::string lengthErrorOf(auto const& request) {
-    try {
-        request();
-    } catch (std::length_error const& e) {
-        return e.what();
-    }
-    return "no exception";
 }
 
 TEST(Matrix, DefaultIsEmptyWithoutStorage) {
@@ -268,13 +260,14 @@ TEST(MatrixResize, TakesAnElementAsFill) {
 TEST(Matrix, RefusesMoreThanTheLargestLength) {
     std::string const text = "vector too long";
     std::size_t const half = std::size_t{1} << 32;
-    EXPECT_EQ(lengthErrorOf([&] { Matrix(half, half, 0.0); }), text) << "the product would wrap to none";
-    EXPECT_EQ(lengthErrorOf([&] { Matrix(Dimensions(std::size_t{1} << 61, 1), 0.0); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Matrix(half, half, 0.0); }), text)
+        << "the product would wrap to none";
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Matrix(Dimensions(std::size_t{1} << 61, 1), 0.0); }), text);
     Matrix m = matrixOf(1, 2, {1, 2});
-    EXPECT_EQ(lengthErrorOf([&] { m.resize(half, half); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { m.resize(1, std::size_t{1} << 61); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { m.resize(half, half); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { m.resize(1, std::size_t{1} << 61); }), text);
     EXPECT_EQ(arrayOf(m), (Values{1, 2}));
-    EXPECT_EQ(lengthErrorOf([&] { Matrix(OwnTable(half, half, {})); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Matrix(OwnTable(half, half, {})); }), text);
 }
 
 TEST(Matrix, MissingMemoryThrows) {

@@ -1,6 +1,8 @@
 #include "kit/Allocations.h"
 #include "kit/Bits.h"
+#include "kit/LengthErrors.h"
 #include "kit/Lengths.h"
+#include "kit/SliceReference.h"
 #include "kit/SpecialValues.h"
 #include "legacy/Access.h"
 #include "legacy/Tables.h"
@@ -45,15 +47,6 @@ Vector counting(std::size_t n) {
 
 std::size_t capacityOf(Vector const& v) {
     return LegacyAccess::elements(v).capacity();
-}
-
-std::string lengthErrorOf(auto const& request) {
-    try {
-        request();
-    } catch (std::length_error const& e) {
-        return e.what();
-    }
-    return "no exception";
 }
 
 // --- construction
@@ -415,15 +408,15 @@ TEST(Vector, RefusesMoreThanTheLargestLength) {
     std::string const text = "vector too long";
     double const x = 1.0;
     Vector v{1.0, 2.0};
-    EXPECT_EQ(lengthErrorOf([&] { Vector(tooMany, 0.0); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { Vector{tooMany}; }), "no exception") << "a list of one number";
-    EXPECT_EQ(lengthErrorOf([&] { Vector const w(tooMany); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { Vector(&x, tooMany); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { Vector(Dimensions(tooMany, 1), 0.0); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { Vector const w((Endless())); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { v.reserve(tooMany); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { v.resize(tooMany); }), text);
-    EXPECT_EQ(lengthErrorOf([&] { v.resize(static_cast<std::size_t>(-1)); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Vector(tooMany, 0.0); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Vector{tooMany}; }), "no length error") << "a list of one number";
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Vector const w(tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Vector(&x, tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Vector(Dimensions(tooMany, 1), 0.0); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { Vector const w((Endless())); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { v.reserve(tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { v.resize(tooMany); }), text);
+    EXPECT_EQ(TestKit::lengthErrorOf([&] { v.resize(static_cast<std::size_t>(-1)); }), text);
     EXPECT_EQ(valuesOf(v), (Values{1.0, 2.0})) << "as it was";
 }
 
@@ -441,6 +434,20 @@ TEST(Vector, MissingMemoryThrowsAndReleasesWhatWasBuilt) {
 }
 
 // --- slices
+
+TEST(Vector, SlicesAgreeWithTheRulesOnAnExhaustiveGrid) {
+    std::vector<double> const values = TestKit::ordinaryValues(8);
+    std::size_t const compared = TestKit::forEachSlice(
+        8, [&](int start, int stop, int step, std::size_t n, std::vector<long> const& positions) {
+            std::vector<double> expected;
+            for (long const p : positions)
+                expected.push_back(values[static_cast<std::size_t>(p)]);
+            ASSERT_TRUE(TestKit::sameBits(
+                TestKit::elementsOf(Vector(values.data(), n)[makeSlice(start, stop, step)]), expected))
+                << "(" << start << ", " << stop << ", " << step << ") of " << n;
+        });
+    EXPECT_GT(compared, 10'000U);
+}
 
 struct SliceCase {
     int start;
