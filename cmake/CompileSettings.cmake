@@ -6,6 +6,10 @@ target_compile_options(TVNMathCompileSettings INTERFACE -ffp-contract=off)
 target_compile_options(TVNMathCompileSettings INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow>
   $<$<BOOL:${TVNMATH_WARNINGS_AS_ERRORS}>:-Werror>)
+# clang counts changes of sign among the conversions. The library has none; tests and benchmarks, full of short lists of
+# lengths, may.
+target_compile_options(TVNMathCompileSettings INTERFACE
+  $<$<AND:$<CXX_COMPILER_ID:Clang>,$<BOOL:$<TARGET_PROPERTY:TVNMATH_IS_TEST>>>:-Wno-sign-conversion>)
 if(TVNMATH_SANITIZE)
   target_compile_options(TVNMathCompileSettings INTERFACE
     -fsanitize=${TVNMATH_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

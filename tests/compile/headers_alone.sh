@@ -18,7 +18,10 @@ for folder in "$@"; do
         # Twice, so that a missing include guard shows.
         source=$(printf '#include <%s>\n#include <%s>\n' "$name" "$name")
         "$compiler" "${flags[@]}" -fsyntax-only -x c++ - <<<"$source" || { echo "$name does not compile alone"; failed=1; }
-        if "$compiler" "${flags[@]}" -M -x c++ - <<<"$source" | grep -oE '[^ ]*(mkl|tbb|immintrin|omp\.h)[^ ]*'; then
+        # The files that the preprocessor entered, not those it only asked for: the standard library asks for oneTBB.
+        entered=$("$compiler" "${flags[@]}" -E -x c++ - <<<"$source" | sed -nE 's/^# [0-9]+ "([^"]*)".*/\1/p' | sort -u)
+        grep -qF "$name" <<<"$entered" || { echo "$name was not entered"; failed=1; }
+        if grep -E '/(mkl|tbb|oneapi|immintrin|omp\.h)' <<<"$entered"; then
             echo "$name reaches a header that callers may not have"
             failed=1
         fi

@@ -26,7 +26,6 @@ using Values = std::vector<double>;
 constexpr std::size_t limit = Detail::parallelLimit(Detail::ElementCost::Streaming);
 
 struct Plus {
-    static constexpr char const* name = "+";
     static double of(double a, double b) { return a + b; }
     template<class L, class R>
     Vector2 operator()(L&& l, R&& r) const {
@@ -38,7 +37,6 @@ struct Plus {
     }
 };
 struct Minus {
-    static constexpr char const* name = "-";
     static double of(double a, double b) { return a - b; }
     template<class L, class R>
     Vector2 operator()(L&& l, R&& r) const {
@@ -50,7 +48,6 @@ struct Minus {
     }
 };
 struct Times {
-    static constexpr char const* name = "*";
     static double of(double a, double b) { return a * b; }
     template<class L, class R>
     Vector2 operator()(L&& l, R&& r) const {
@@ -62,7 +59,6 @@ struct Times {
     }
 };
 struct Over {
-    static constexpr char const* name = "/";
     static double of(double a, double b) { return a / b; }
     template<class L, class R>
     Vector2 operator()(L&& l, R&& r) const {
