@@ -382,7 +382,7 @@ class UncheckedGesv : public testing::Test {};
 TYPED_TEST_SUITE(UncheckedGesv, Generations, GenerationNames);
 
 TYPED_TEST(UncheckedGesv, SolvesForAVector) {
-    for (std::size_t const n : {1, 2, 3, 8, 33, 100}) {
+    for (std::size_t const n : {1u, 2u, 3u, 8u, 33u, 100u}) {
         Table const a = table(n, n, 1);
         std::vector<double> const b = ordinaryValues(n, 2);
         auto factors = a.as<TypeParam>();
@@ -416,7 +416,7 @@ TYPED_TEST(UncheckedGesv, LeavesTheFactorsInTheMatrix) {
 }
 
 TYPED_TEST(UncheckedGesv, HilbertSystemsHaveASmallBackwardError) {
-    for (std::size_t const n : {2, 5, 8, 10, 12}) {
+    for (std::size_t const n : {2u, 5u, 8u, 10u, 12u}) {
         std::vector<double> a(n * n);
         std::vector<double> b(n, 0.0);
         for (std::size_t i = 0; i < n; ++i)

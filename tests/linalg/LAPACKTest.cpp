@@ -1,11 +1,14 @@
 // The LAPACK drivers of both generations: certified regressions, exact solutions, and what each refuses.
 
+#include "kit/Allocations.h"
 #include "kit/Bits.h"
 #include "kit/ErrorBounds.h"
 #include "kit/SpecialValues.h"
 #include "kit/StreamCapture.h"
 #include "linalg/CertifiedProblems.h"
 #include "linalg/Generations.h"
+
+#include <System/Guard.h>
 
 #include <gtest/gtest.h>
 
@@ -14,6 +17,7 @@
 #include <cstddef>
 #include <fstream>
 #include <limits>
+#include <new>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -25,7 +29,7 @@ namespace Tervane::Math::LinearAlgebraTest {
 namespace {
 
 using System::ErrorCode;
-using System::ErrorCode2;
+using TestKit::FailingAllocations;
 using TestKit::ordinaryValues;
 using TestKit::sameBits;
 using TestKit::StreamCapture;
@@ -56,7 +60,7 @@ class CheckedGesv : public testing::Test {};
 TYPED_TEST_SUITE(CheckedGesv, Generations, GenerationNames);
 
 TYPED_TEST(CheckedGesv, SolvesInPlace) {
-    for (std::size_t const n : {1, 2, 3, 8, 33, 100}) {
+    for (std::size_t const n : {1u, 2u, 3u, 8u, 33u, 100u}) {
         std::vector<double> const a = ordinaryValues(n * n, 1);
         std::vector<double> const b = ordinaryValues(n, 2);
         auto factors = matrixOf<TypeParam>(n, n, a);
@@ -221,7 +225,7 @@ TYPED_TEST(LeastSquares, RowIsTakenForAMatrixOfOneElement) {
 
 TYPED_TEST(LeastSquares, RefusesAMatrixWithoutRows) {
     for (Driver const driver : drivers)
-        for (std::size_t const columns : {0, 3}) {
+        for (std::size_t const columns : {0u, 3u}) {
             typename TypeParam::Matrix a(0, columns, 0.0);
             auto b = TypeParam::column({1.0, 2.0, 3.0});
             EXPECT_EQ(silently([&] { return leastSquares<TypeParam>(driver, a, b); }),
@@ -501,6 +505,58 @@ TEST(LegacyLAPACK, SuccessLeavesTheErrorAsItIs) {
     a = identity();
     EXPECT_EQ(LAPACK::gglse(a, b, c, d, error).length(), 2u);
     EXPECT_EQ(reportOf(error), failure(MatrixSingular));
+}
+
+/// A least-squares problem that needs more workspace than `smallAllocations` grants.
+constexpr std::size_t smallAllocations = 256;
+constexpr std::size_t manyRows = 200;
+constexpr std::size_t manyColumns = 20;
+
+TEST(LegacyLAPACK, FailedAllocationIsDescribedInTheError) {
+    if (!FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    Matrix a = matrixOf<Legacy>(manyRows, manyColumns, ordinaryValues(manyRows * manyColumns));
+    Matrix b = matrixOf<Legacy>(1, manyColumns, ordinaryValues(manyColumns));
+    Vector c(ordinaryValues(manyRows));
+    Vector d{1.0};
+    ErrorCode ofGels;
+    ErrorCode ofGelsd;
+    ErrorCode ofGglse;
+    Vector x{1.0};
+    {
+        FailingAllocations const failing(smallAllocations);
+        LAPACK::gels(NoTranspose, a, c, ofGels);
+        LAPACK::gelsd(a, c, ofGelsd, 0.0);
+        x = LAPACK::gglse(a, b, c, d, ofGglse);
+    }
+    for (ErrorCode const* error : {&ofGels, &ofGelsd, &ofGglse}) {
+        EXPECT_TRUE(error->hasError());
+        EXPECT_FALSE(error->isUnknown());
+        EXPECT_EQ(error->code(), -1);
+        EXPECT_EQ(error->category(), nullptr);
+        EXPECT_EQ(error->message().narrow(), std::bad_alloc().what());
+    }
+    EXPECT_EQ(x.length(), 0u);
+    EXPECT_TRUE(sameBits(valuesOf(c), ordinaryValues(manyRows)));
+}
+
+TEST(CurrentLAPACK, FailedAllocationIsReturned) {
+    if (!FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    Matrix2 a = matrixOf<Current>(manyRows, manyColumns, ordinaryValues(manyRows * manyColumns));
+    Matrix2 b = matrixOf<Current>(1, manyColumns, ordinaryValues(manyColumns));
+    Vector2 c = Current::column(ordinaryValues(manyRows));
+    Vector2 d = Current::column({1.0});
+    Report reports[3] = {success, success, success};
+    {
+        FailingAllocations const failing(smallAllocations);
+        reports[0] = Current::gels(NoTranspose, a, c);
+        reports[1] = Current::gelsd(a, c, 0.0);
+        reports[2] = Current::gglse(a, b, c, d).second;
+    }
+    for (Report const& report : reports)
+        EXPECT_EQ(report, reportOf(System::guard<void>([] { throw std::bad_alloc(); })));
+    EXPECT_TRUE(sameBits(valuesOf(c), ordinaryValues(manyRows)));
 }
 
 TEST(LAPACK, ThreadsSolveIndependently) {

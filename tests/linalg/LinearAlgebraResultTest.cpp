@@ -97,7 +97,7 @@ TEST(LinearAlgebraResult, ViewsTheColumnsInPlace) {
 TEST(LinearAlgebraResult, IndexIsIgnoredForASingleSolution) {
     LinearAlgebraResult result = oneSolution();
     EXPECT_EQ(result.numberSolutions(), 1u);
-    for (std::size_t const i : {0, 1, 7}) {
+    for (std::size_t const i : {0u, 1u, 7u}) {
         EXPECT_TRUE(sameBits(valuesOf(result.solution(i)), std::vector<double>{1.0, 2.0}));
         EXPECT_TRUE(sameBits(valuesOf(result.residuals(i)), std::vector<double>{3.0, 4.0}));
         EXPECT_EQ(result.solution(i).data(), result.solution(0).data());

@@ -127,7 +127,7 @@ std::vector<std::size_t> referenceLengths() {
         lengths.push_back(n);
     for (std::size_t n = 128; n <= 4096; n *= 2)
         lengths.push_back(n);
-    for (std::size_t const n : {67, 97, 101, 127, 131, 257, 509, 1009, 1021, 2039, 2053, 4093})
+    for (std::size_t const n : {67u, 97u, 101u, 127u, 131u, 257u, 509u, 1009u, 1021u, 2039u, 2053u, 4093u})
         lengths.push_back(n);
     return lengths;
 }
@@ -236,7 +236,7 @@ TEST(FFT, LengthDecidesHowManyBinsTheInverseReads) {
         return std::isnan(x);
     };
 
-    for (std::size_t const n : {6, 7}) { // both have four bins
+    for (std::size_t const n : {6u, 7u}) { // both have four bins
         auto const samples = FFT::ifft_real(spectrum.value(), n);
         ASSERT_TRUE(samples);
         ASSERT_EQ(samples.value().length(), n);
@@ -278,7 +278,7 @@ TEST(LegacyFFT, NeverWritesTheError) {
     ErrorCode const before =
         System::ErrorBuilder<LinearAlgebraErrorCode>::make(LinearAlgebraErrorCode::MatrixSingular);
     ErrorCode error = before;
-    for (std::size_t const n : {0, 1, 2, 5, 64}) {
+    for (std::size_t const n : {0u, 1u, 2u, 5u, 64u}) {
         ComplexVector const spectrum = FFT::fft_real(Vector(n, 1.0), error);
         EXPECT_EQ(spectrum.length(), binsOf(n));
         EXPECT_EQ(FFT::ifft_real(spectrum, n, error).length(), n);
