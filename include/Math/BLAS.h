@@ -87,7 +87,8 @@ TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vect
 /// @name Matrix product, legacy
 /// As the current forms, on any matrix of the legacy family. A failure is
 /// `LinearAlgebraErrorCode::DimensionsMismatch` in `error`, which is left as it is on success; the result is
-/// returned all the same, as it stood.
+/// returned all the same, as it stood. An exception, of a failed allocation for example, makes the error
+/// unknown, here and in the other legacy forms; a result that was to be made is then empty.
 /// @{
 TVNMATH_API Matrix& gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
                          AbstractMatrix const& B, double const& beta, Matrix& C, System::ErrorCode& error);

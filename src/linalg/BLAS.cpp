@@ -78,6 +78,17 @@ Failure solve(TableInOut const& a, RightHandSide const& b) {
     return Detail::solve(b.rows, b.columns, a.data, b.data);
 }
 
+/// Runs the body of a legacy operation, out of which no exception comes: a failed allocation, or what an
+/// accessor of the caller's own table throws, makes the error unknown.
+template<class Body>
+void reportingUnknown(System::ErrorCode& error, Body const& body) {
+    try {
+        body();
+    } catch (...) {
+        error.assignUnknown();
+    }
+}
+
 } // namespace
 
 namespace BLAS {
@@ -147,22 +158,27 @@ System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vector2& b) {
 
 Matrix& gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
              AbstractMatrix const& B, double const& beta, Matrix& C, System::ErrorCode& error) {
-    ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
-    Failure const mismatch = failureUnless(shape.fits(C.size()), DimensionsMismatch);
-    if (!mismatch)
-        multiply(transA, transB, shape, alpha, tableOf(A), tableOf(B), beta, tableOf(C));
-    Detail::report(mismatch, error);
-    // Callers rely on the postcondition being looked at after a failed check too: it reports the mismatch
-    // again.
-    Detail::report(failureUnless(shape.fits(C.size()), DimensionsMismatch), error);
+    reportingUnknown(error, [&] {
+        ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
+        Failure const mismatch = failureUnless(shape.fits(C.size()), DimensionsMismatch);
+        if (!mismatch)
+            multiply(transA, transB, shape, alpha, tableOf(A), tableOf(B), beta, tableOf(C));
+        Detail::report(mismatch, error);
+        // Callers rely on the postcondition being looked at after a failed check too: it reports the mismatch
+        // again.
+        Detail::report(failureUnless(shape.fits(C.size()), DimensionsMismatch), error);
+    });
     return C;
 }
 
 Matrix gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
             AbstractMatrix const& B, System::ErrorCode& error) {
-    ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
-    Matrix C(shape.m, shape.n, 0.0);
-    gemm(transA, transB, alpha, A, B, 0.0, C, error);
+    Matrix C;
+    reportingUnknown(error, [&] {
+        ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
+        C = Matrix(shape.m, shape.n, 0.0);
+        gemm(transA, transB, alpha, A, B, 0.0, C, error);
+    });
     return C;
 }
 
@@ -173,14 +189,19 @@ Matrix gemm(Transpose transA, Transpose transB, AbstractMatrix const& A, Abstrac
 
 Vector& gemv(Transpose trans, double const& alpha, AbstractMatrix const& A, AbstractVector const& x,
              double const& beta, Vector& y, System::ErrorCode& error) {
-    Detail::report(multiply(trans, alpha, tableOf(A), elementsOf(x), beta, elementsOf(y)), error);
+    reportingUnknown(error, [&] {
+        Detail::report(multiply(trans, alpha, tableOf(A), elementsOf(x), beta, elementsOf(y)), error);
+    });
     return y;
 }
 
 Vector gemv(Transpose trans, double const& alpha, AbstractMatrix const& A, AbstractVector const& x,
             System::ErrorCode& error) {
-    Vector y(rowsOf(trans, tableOf(A)));
-    gemv(trans, alpha, A, x, 0.0, y, error);
+    Vector y;
+    reportingUnknown(error, [&] {
+        y = Vector(rowsOf(trans, tableOf(A)));
+        gemv(trans, alpha, A, x, 0.0, y, error);
+    });
     return y;
 }
 
@@ -189,12 +210,12 @@ Vector gemv(Transpose trans, AbstractMatrix const& A, AbstractVector const& x, S
 }
 
 Matrix& gesv(Matrix& A, Matrix& B, System::ErrorCode& error) {
-    Detail::report(solve(tableOf(A), tableOf(B)), error);
+    reportingUnknown(error, [&] { Detail::report(solve(tableOf(A), tableOf(B)), error); });
     return B;
 }
 
 Vector& gesv(Matrix& A, Vector& b, System::ErrorCode& error) {
-    Detail::report(solve(tableOf(A), elementsOf(b)), error);
+    reportingUnknown(error, [&] { Detail::report(solve(tableOf(A), elementsOf(b)), error); });
     return b;
 }
 

@@ -1,5 +1,6 @@
 // The products and the unchecked solve of both generations, against products in extended precision.
 
+#include "kit/Allocations.h"
 #include "kit/Bits.h"
 #include "kit/ErrorBounds.h"
 #include "kit/SpecialValues.h"
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -520,6 +522,47 @@ TEST(LegacyBLAS, SuccessLeavesTheErrorAsItIs) {
     BLAS::gesv(a, b, error);
     BLAS::gesv(a, x, error);
     EXPECT_EQ(reportOf(error), failure(MatrixSingular));
+}
+
+TEST(LegacyBLAS, FailedAllocationMakesTheErrorUnknown) {
+    if (!TestKit::FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    constexpr std::size_t n = 200;
+    Matrix const a(n, n, 1.0);
+    Vector const x(n, 1.0);
+    Matrix factors = a;
+    Vector right = x;
+    ErrorCode errors[3];
+    Matrix product(1, 1, 1.0);
+    Vector image{1.0};
+    {
+        TestKit::FailingAllocations const failing(512);
+        product = BLAS::gemm(NoTranspose, NoTranspose, a, a, errors[0]);
+        image = BLAS::gemv(NoTranspose, a, x, errors[1]);
+        BLAS::gesv(factors, right, errors[2]);
+    }
+    for (ErrorCode const& error : errors)
+        EXPECT_TRUE(error.isUnknown());
+    EXPECT_EQ(product.size(), Dimensions(0, 0));
+    EXPECT_EQ(image.length(), 0u);
+    EXPECT_TRUE(sameBits(valuesOf(right), valuesOf(x)));
+}
+
+TEST(LegacyBLAS, ExceptionOfTheCallersTableMakesTheErrorUnknown) {
+    struct Broken : LegacyTest::OwnMatrix {
+        using OwnMatrix::OwnMatrix;
+        double const* data() const override { throw std::runtime_error("no elements"); }
+    };
+    Broken const broken(1, 1, {1.0});
+    Matrix const fine(1, 1, 1.0);
+    ErrorCode ofGemm;
+    ErrorCode ofGemv;
+    Matrix c(1, 1, 5.0);
+    EXPECT_EQ(&BLAS::gemm(NoTranspose, NoTranspose, 1.0, broken, fine, 0.0, c, ofGemm), &c);
+    EXPECT_EQ(c[Index(0, 0)], 5.0);
+    EXPECT_EQ(BLAS::gemv(NoTranspose, broken, Vector{1.0}, ofGemv).length(), 0u);
+    EXPECT_TRUE(ofGemm.isUnknown());
+    EXPECT_TRUE(ofGemv.isUnknown());
 }
 
 TEST(LegacyBLAS, TakesTablesOfTheCallersOwn) {
