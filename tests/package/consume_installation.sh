@@ -11,6 +11,11 @@ mkdir -p "$work"
 "$cmake" --install "$build" --prefix "$work/prefix" >"$work/install.log"
 
 for library in "$work"/prefix/lib*/libTVN*.so; do
+    # The name that programs ask for at run time bears the major version, and its file is the one of the whole version.
+    soname=$(basename "$library").${version%%.*}
+    readelf -d "$library" | grep -qF "Library soname: [$soname]" || { echo "$library is not called $soname" >&2; exit 1; }
+    [ "$(readlink -f "$library")" = "$(readlink -f "$work"/prefix)${library#"$work"/prefix}.$version" ] \
+        || { echo "$library is not version $version" >&2; exit 1; }
     if readelf -d "$library" | grep -E 'RPATH|RUNPATH'; then
         echo "$library carries a run path" >&2
         exit 1

@@ -1,0 +1,58 @@
+"""Runs scripts/bench_report.py on made-up results and looks at its ratios and plots.
+
+    bench_report_test.py SCRIPT
+"""
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+
+def run(name, nanoseconds, unit="ns", kind="iteration"):
+    return {"run_name": name, "run_type": kind, "real_time": nanoseconds, "time_unit": unit}
+
+
+def main():
+    script = sys.argv[1]
+    results = {
+        "context": {"num_cpus": 2, "date": "2020-02-29T12:00:00+00:00"},
+        "benchmarks": [
+            # The median of an odd number of samples is the one in the middle, whatever the others are.
+            *(run("Add/inline/64", t) for t in (20.0, 1.0, 9000.0)),
+            *(run("Add/plain/64", t) for t in (10.0, 10.0, 10.0)),
+            run("Add/plain/64", 1e9, kind="aggregate"),
+            run("Add/inline/4096/real_time", 0.5, unit="us"),
+            run("Add/plain/4096/real_time", 1000.0),
+            run("Sine/library", 3.0),
+            run("Sine/std", 4.0),
+        ],
+    }
+    failures = []
+    with tempfile.TemporaryDirectory() as folder:
+        path = pathlib.Path(folder) / "made_up.json"
+        path.write_text(json.dumps(results), encoding="utf-8")
+        output = subprocess.run([sys.executable, script, path], check=True, capture_output=True, text=True).stdout
+        lines = output.splitlines()
+        for subject, length, ratio in (
+            ("Add", "64", "inline/plain 2.000"),
+            ("Add", "4096", "inline/plain 0.500"),
+            ("Sine", None, "library/std 0.750"),
+        ):
+            found = [
+                line for line in lines
+                if line.split()[0] == subject and (length is None or line.split()[1] == length) and ratio in line
+            ]
+            if len(found) != 1:
+                failures.append(f"{subject} {length}: no single line says {ratio}")
+        plot = path.with_name("made_up-Add.png")
+        if not plot.exists() or not plot.read_bytes().startswith(b"\x89PNG"):
+            failures.append("no plot of the subject with two lengths")
+        if path.with_name("made_up-Sine.png").exists():
+            failures.append("a plot of a subject without lengths")
+    print("\n".join(failures + ([output] if failures else [])) or f"{len(lines)} lines as expected")
+    return 1 if failures else 0
+
+
+sys.exit(main())
