@@ -5,8 +5,8 @@
 ///
 /// @code
 /// Tervane::Math::ComplexVector2 spectrum = …;
-/// auto withoutDC = spectrum.view().sliced(1, std::numeric_limits<std::size_t>::max());   // all but element
-/// 0
+/// // All but element 0:
+/// auto withoutDC = spectrum.view().sliced(1, std::numeric_limits<std::size_t>::max());
 /// @endcode
 
 #include <Math/Export.h>

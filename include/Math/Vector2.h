@@ -6,8 +6,8 @@
 /// @code
 /// using namespace Tervane::Math;
 /// Vector2 const time = linspace(0.0, 1e-3, 1000);
-/// Vector2 const voltage = 5.0 * (1.0 - exp(time / -2e-4));         // one allocation for the whole
-/// right-hand side Vector2 const lastTen = voltage[makeSlice(-10, 1000, 1)];
+/// Vector2 const voltage = 5.0 * (1.0 - exp(time / -2e-4));    // allocates once
+/// Vector2 const lastTen = voltage[makeSlice(-10, 1000, 1)];
 /// @endcode
 
 #include <Math/Detail/ElementArray.h>
