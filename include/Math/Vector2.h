@@ -6,7 +6,7 @@
 /// @code
 /// using namespace Tervane::Math;
 /// Vector2 const time = linspace(0.0, 1e-3, 1000);
-/// Vector2 const voltage = 5.0 * (1.0 - exp(time / -2e-4));    // allocates once
+/// Vector2 const voltage = 5.0 * (1.0 - exp(time / -2e-4));
 /// Vector2 const lastTen = voltage[makeSlice(-10, 1000, 1)];
 /// @endcode
 
