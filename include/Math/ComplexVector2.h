@@ -56,8 +56,7 @@ public:
     /// A column of count / 2 elements from interleaved pairs: element k is (values[2k], values[2k + 1]).
     ///
     /// @return the vector, or `MathErrc::OddComplexDataLength` when `count` is odd, or the error -1 of the
-    /// system
-    ///         category when the elements cannot be allocated
+    ///         system category when the elements cannot be allocated
     static System::Expected<ComplexVector2, System::ErrorCode2> fromData(double const* values,
                                                                          std::size_t count);
 
@@ -112,9 +111,9 @@ private:
 /// which is moved out of it; otherwise the result is new and allocates once.
 ///
 /// Scalar / vector is the complex quotient d / z of every element z = (a, b), by R. L. Smith's scaling
-/// (Algorithm 116: Complex division, Comm. ACM 5(8), 1962): with |a| > |b|, r = b / a and t = r b + a give (d
-/// + 0 r, 0 - d r) / t; otherwise r = a / b and t = r a + b give (d r + 0, 0 r - d) / t. A NaN in z, or a t
-/// that is NaN or 0, gives (NaN, NaN), and z = 0 gives (d / a, 0 / a).
+/// (Algorithm 116: Complex division, Comm. ACM 5(8), 1962): with |a| > |b|, r = b / a and t = r b + a give
+/// (d + 0 r, 0 - d r) / t; otherwise r = a / b and t = r a + b give (d r + 0, 0 r - d) / t. A NaN in z, or a
+/// t that is NaN or 0, gives (NaN, NaN), and z = 0 gives (d / a, 0 / a).
 ///
 /// There is no operator between two complex vectors, no addition and no subtraction.
 ///

@@ -114,8 +114,7 @@ public:
     /// growing the storage by at least one half when it must grow.
     ///
     /// @return success, or the error -1 of the system category when the length is beyond the limit or memory
-    /// is short;
-    ///         the vector is then as it was
+    ///         is short; the vector is then as it was
     System::Expected<void, System::ErrorCode2> resize(std::size_t n, double const& value = 0.0);
 
     /// The elements as text, "[ 1, 2.5, 0.333333 ]", each with six significant digits; the same for both
@@ -172,25 +171,22 @@ private:
 /// The result's length and orientation are those of the operand whose storage receives it:
 ///  - a left `Vector2&&` lends its storage, the result is moved out of it and nothing is allocated;
 ///  - otherwise a right `Vector2&&` of `+` and `*` does;
-///  - otherwise the result is new, made in the shape of the vector operand, the left one when both are
-///  vectors, and
-///    allocates once. A view counts as a vector operand only when there is no vector.
+///  - otherwise the result is new, allocated once and shaped as the vector operand, the left of two. A view
+///    gives the shape only when there is no vector.
 ///
 /// Callers rely on what `-` and `/` do with a right `Vector2&&` whose left operand is not one:
 ///  - `-` negates the right operand in place and returns a new vector, that negation plus the left operand,
-///  in the
-///    right operand's shape; the argument is left negated and its storage is not used;
+///    in the right operand's shape; the argument is left negated and its storage is not used;
 ///  - vector or view `/` vector walks the left operand's length and writes into the right operand's storage,
-///  which
-///    becomes the result: elements beyond the left operand keep the right operand's values;
+///    which becomes the result: elements beyond the left operand keep the right operand's values, and a left
+///    operand that is longer than the right one writes past its end;
 ///  - scalar `/` vector works in place in the right operand's storage.
 ///
 /// The set is irregular, and exact: a view and a scalar combine by subtraction only, no two views combine,
 /// and a `std::size_t` only divides. Any other integer type is ambiguous and does not compile.
 ///
 /// @pre operands that are read have at least the length of the operand whose elements are walked; a longer
-/// one is
-///      read in part. Nothing checks this.
+///      one is read in part. Nothing checks this.
 /// @throws std::bad_alloc, std::length_error when a new result cannot be allocated
 /// @{
 TVNMATH_API Vector2 operator+(Vector2&& left, Vector2&& right);

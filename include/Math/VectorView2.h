@@ -5,7 +5,7 @@
 ///
 /// @code
 /// Tervane::Math::Matrix2 samples = …;
-/// Tervane::Math::VectorView2 const secondColumn(samples, 1);
+/// Tervane::Math::VectorView2 secondColumn(samples, 1);
 /// Tervane::Math::Vector2 const copy(secondColumn.sliced(10, 5));    // elements 10 to 14
 /// @endcode
 
@@ -58,7 +58,8 @@ public:
     Dimensions size() noexcept;
     /// @}
 
-    /// A view of `count` elements from element `offset` on, with this view's orientation.
+    /// A view of `count` elements from element `offset` on, with this view's orientation. Not callable on a
+    /// constant view.
     ///
     /// @pre `offset + count` does not exceed length()
     VectorView2 sliced(std::size_t offset, std::size_t count) noexcept {

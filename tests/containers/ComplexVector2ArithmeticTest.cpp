@@ -110,6 +110,22 @@ TEST(ComplexVector2Arithmetic, MultipliesASliceOfAViewAsAColumn) {
     EXPECT_EQ(z.size(), Dimensions(1, 3));
 }
 
+TEST(ComplexVector2Arithmetic, KeepsTheOrientationOfACopyAndOfAMove) {
+    ComplexVector2 row = make({1, 2, 3, 4}, Row);
+    ComplexVector2 copied(row), assigned, moved;
+    assigned = row;
+    EXPECT_EQ(copied.orientation(), Row);
+    EXPECT_EQ(assigned.orientation(), Row);
+    moved = std::move(row);
+    EXPECT_EQ(moved.orientation(), Row);
+    EXPECT_EQ(row.orientation(), Row);
+    EXPECT_EQ(row.length(), 0u);
+    ComplexVector2 constructed(std::move(moved));
+    EXPECT_EQ(constructed.orientation(), Row);
+    constructed = make({5, 6});
+    EXPECT_EQ(constructed.orientation(), Column);
+}
+
 TEST(ComplexVector2Arithmetic, ReusesAnRvalueAndAllocatesAFreshResultOnce) {
     Values const parts = ordinaryValues(200);
     Vector2 const v(100, 2.0);

@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -149,6 +150,13 @@ TYPED_TEST(Vector2Operator, WithAViewOnTheLeftTakesTheShapeOfTheVector) {
             expectResult(op(view, right), expected, Row);
         });
     }
+}
+
+TYPED_TEST(Vector2Operator, WithALongerViewOnTheLeftHasTheLengthOfTheVector) {
+    TypeParam const op;
+    Values const a(10, 6.0);
+    Vector2 const right = row({2, 2, 2});
+    expectResult(op(VectorView2(a.data(), 10, Column), right), Values(3, TypeParam::of(6.0, 2.0)), Row);
 }
 
 TYPED_TEST(Vector2Operator, WithAScalarIsTheSameUnderEveryPolicyBitForBit) {
@@ -347,6 +355,15 @@ TEST(Vector2Arithmetic, MinusWithARightRvalueTakesTheLengthOfTheRightOperand) {
     expectResult(left - Vector2(3, 1.0), Values(3, 4.0), Column);
 }
 
+TEST(Vector2Arithmetic, MinusOfAVectorAndItselfAsARightRvalueAddsTheNegationTwice) {
+    // The left operand is read after the right one has been negated.
+    Vector2 v = row({1, -2, 3});
+    expectResult(std::as_const(v) - std::move(v), {-2, 4, -6}, Row);
+    expectResult(v, {-1, 2, -3}, Row);
+    Vector2 w = row({1, -2, 3});
+    expectResult(VectorView2(w.data(), 3, Column) - std::move(w), {-2, 4, -6}, Row);
+}
+
 TEST(Vector2Arithmetic, MinusWithARightRvalueTakesAScalarThatIsOneOfItsElements) {
     Vector2 v(4, 3.0);
     double const& scalar = v[0];
@@ -377,6 +394,18 @@ TEST(Vector2Arithmetic, DivisionWithARightRvalueWalksTheLeftOperandAndKeepsTheRi
             expectResult(std::as_const(static_cast<Vector2 const&>(column(a))) / row(b), expected, Row);
         });
     }
+}
+
+TEST(Vector2Arithmetic, DivisionWithARightRvalueWritesBeyondItsEndWhenTheLeftOperandIsLonger) {
+    forEachPolicy([] {
+        Vector2 const left = column({10, 20, 30, 40, 50});
+        Vector2 right = row({2, 4, 5, 8, 10});
+        ASSERT_TRUE(right.resize(3).has_value()); // the storage still holds all five
+        Vector2 result = left / std::move(right);
+        EXPECT_EQ(result.orientation(), Row);
+        ASSERT_EQ(result.length(), 3u);
+        EXPECT_TRUE(sameBits(std::span(std::as_const(result).data(), 5), Values{5, 5, 6, 5, 5}));
+    });
 }
 
 TEST(Vector2Arithmetic, ScalarOverARightRvalueWorksInPlace) {

@@ -236,6 +236,12 @@ TEST(Vector2, ShrinksAndGrowsWithAFill) {
     EXPECT_EQ(v.orientation(), Row);
 }
 
+TEST(Vector2, GrowsWithAFillThatIsOneOfItsElements) {
+    Vector2 v = make({7, 2});
+    EXPECT_TRUE(v.resize(5, v[0]).has_value());
+    EXPECT_TRUE(sameBits(elementsOf(v), std::vector<double>{7, 2, 7, 7, 7}));
+}
+
 TEST(Vector2, ReportsALengthBeyondTheLimitFromResizeAsTheUnspecificError) {
     Vector2 v = make({1, 2, 3});
     auto const result = v.resize(tooLong);

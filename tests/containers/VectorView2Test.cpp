@@ -27,8 +27,13 @@ template<class V>
 concept HasSize = requires(V& v) {
     v.size();
 };
+template<class V>
+concept CanBeSliced = requires(V& v) {
+    v.sliced(0, 0);
+};
 static_assert(HasOrientation<VectorView2> && !HasOrientation<VectorView2 const>);
 static_assert(HasSize<VectorView2> && !HasSize<VectorView2 const>);
+static_assert(CanBeSliced<VectorView2> && !CanBeSliced<VectorView2 const>);
 static_assert(std::is_same_v<decltype(std::declval<VectorView2&>().data()), double const*>);
 static_assert(!std::is_assignable_v<decltype(std::declval<VectorView2&>()[0]), double>);
 static_assert(!std::is_constructible_v<VectorView2, Vector2 const&>);
