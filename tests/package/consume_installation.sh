@@ -27,7 +27,7 @@ if grep -rniE 'onemkl|libmkl|TBB::|TVNMathObjects|TVNMathCompileSettings' "$work
 fi
 
 # A consumer's machine has no headers of the libraries behind this one.
-"$cmake" -S "$consumer" -B "$work/consumer" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$work/prefix" \
+"$cmake" -G Ninja -S "$consumer" -B "$work/consumer" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$work/prefix" \
     -DEXPECTED_VERSION="$version" -DCMAKE_DISABLE_FIND_PACKAGE_TBB=ON >"$work/configure.log"
 "$cmake" --build "$work/consumer" >"$work/build.log"
 "$work/consumer/consumer"
