@@ -23,18 +23,23 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# A library without a build type would be an unoptimised one.
+# A library without a build type would be an unoptimised one. A parent project's build type is its own business.
 get_property(_is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
-if(NOT CMAKE_BUILD_TYPE AND NOT _is_multi_config)
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT _is_multi_config)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
-# Lets a shared library export nothing beside the documented boundary, and leave nothing undefined that it needs. The
-# sanitizers' run-time library is linked into programs only.
+# Lets a shared library export nothing beside the documented boundary, under names that bear its major version, and leave
+# nothing undefined that it needs. The sanitizers' run-time library is linked into programs only; a parent project may use
+# them by flags of its own.
 function(tvnmath_limit_exports target)
-  target_link_options(${target} PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
-  if(NOT TVNMATH_SANITIZE)
-    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  string(TOUPPER ${target} TVNMATH_VERSION_NODE)
+  string(APPEND TVNMATH_VERSION_NODE _${PROJECT_VERSION_MAJOR})
+  set(_map ${CMAKE_CURRENT_BINARY_DIR}/${target}.exports.map)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/exports.map.in ${_map} @ONLY)
+  target_link_options(${target} PRIVATE LINKER:--version-script=${_map})
+  if(PROJECT_IS_TOP_LEVEL AND NOT TVNMATH_SANITIZE)
+    target_link_options(${target} PRIVATE LINKER:--no-undefined)
   endif()
-  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${_map})
 endfunction()

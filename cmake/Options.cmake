@@ -2,6 +2,7 @@
 option(TVNMATH_BUILD_TESTING "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(TVNMATH_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
 option(TVNMATH_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(TVNMATH_INSTALL "Install the library and what others need to build with it" ${PROJECT_IS_TOP_LEVEL})
 option(TVNMATH_WARNINGS_AS_ERRORS "Treat warnings as errors (for developers of the library)" OFF)
 
 set(TVNMATH_ONEMKL_THREADING "gnu_thread" CACHE STRING "oneMKL threading layer: gnu_thread or sequential")

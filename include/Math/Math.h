@@ -46,6 +46,7 @@
 #include <Math/Vector2.h>
 #include <Math/VectorOrientation.h>
 #include <Math/VectorView2.h>
+#include <Math/Version.h>
 #include <Math/ViewMatrix.h>
 #include <Math/ViewVector.h>
 #include <Math/Window.h>
