@@ -1,92 +1,87 @@
-#include "linalg/Failure.h"
-#include "linalg/LinearSolve.h"
+#include "foundation/Failure.h"
+#include "legacy/Boundary.h"
+#include "linalg/MatrixRef.h"
 #include "linalg/OneMKL.h"
-#include "linalg/Tables.h"
+#include "linalg/Products.h"
 
-#include <Math/AbstractMatrix.h>
-#include <Math/AbstractVector.h>
 #include <Math/BLAS.h>
-#include <Math/Matrix.h>
-#include <Math/Vector.h>
 #include <System/Guard.h>
 
 #include <cstddef>
-#include <utility>
+#include <optional>
 
 namespace Tervane::Math {
 
-// The routines on plain memory, written once. Below them the two generations, which differ in how they report
-// and in what legacy gemm still does after a failed check.
+// The routines, written once for both generations. Below them the generations, which differ in how they
+// report.
 
 namespace {
 
-using Detail::ElementsIn;
-using Detail::ElementsInOut;
-using Detail::elementsOf;
 using Detail::Failure;
-using Detail::TableIn;
-using Detail::TableInOut;
-using Detail::tableOf;
+using Detail::failureUnless;
+using Detail::MatrixRef;
+using Detail::refOf;
 namespace OneMKL = Detail::OneMKL;
 
-std::size_t rowsOf(Transpose trans, TableIn const& a) {
-    return trans == NoTranspose ? a.rows : a.columns;
-}
-std::size_t columnsOf(Transpose trans, TableIn const& a) {
-    return trans == NoTranspose ? a.columns : a.rows;
+template<class AnyMatrix>
+Dimensions shapeOf(AnyMatrix const& M) {
+    return Dimensions(M.rows(), M.columns());
 }
 
-/// The sizes of a product op(A) op(B): M x K times K x N.
-struct ProductShape {
-    ProductShape(Transpose transA, Transpose transB, TableIn const& a, TableIn const& b)
-        : m(rowsOf(transA, a)),
-          n(columnsOf(transB, b)),
-          k(columnsOf(transA, a)),
-          innerOfB(rowsOf(transB, b)) {}
+/// The shape of op(M), for a matrix M of the shape `m`.
+Dimensions op(Transpose trans, Dimensions const& m) {
+    return trans == NoTranspose ? m : Dimensions(m.columns(), m.rows());
+}
 
-    bool fits(Dimensions const& result) const { return result == Dimensions(m, n) && k == innerOfB; }
+/// A product op(A) op(B) by its shapes: M x K times K x N.
+struct Product {
+    Transpose transA;
+    Transpose transB;
+    Dimensions a;
+    Dimensions b;
 
-    std::size_t m;
-    std::size_t n;
-    std::size_t k;
-    std::size_t innerOfB;
+    std::size_t m() const { return op(transA, a).rows(); }
+    std::size_t n() const { return op(transB, b).columns(); }
+    std::size_t k() const { return op(transA, a).columns(); }
+
+    bool fits(Dimensions const& c) const { return c == Dimensions(m(), n()) && k() == op(transB, b).rows(); }
 };
 
-/// C := alpha op(A) op(B) + beta C, for shapes that fit.
-void multiply(Transpose transA, Transpose transB, ProductShape const& shape, double alpha, TableIn const& a,
-              TableIn const& b, double beta, TableInOut const& c) {
-    OneMKL::gemm(transA, transB, shape.m, shape.n, shape.k, alpha, a.data, a.leadingDimension(), b.data,
-                 b.leadingDimension(), beta, c.data, c.leadingDimension());
+template<class AnyMatrix>
+Product productOf(Transpose transA, Transpose transB, AnyMatrix const& A, AnyMatrix const& B) {
+    return {transA, transB, shapeOf(A), shapeOf(B)};
 }
 
-Failure failureUnless(bool condition, LinearAlgebraErrc failure) {
-    return condition ? Failure() : Failure(failure);
+/// C := alpha op(A) op(B) + beta C. The operands are asked for their elements when the shapes fit, not
+/// before: a caller's own table need not have any.
+template<class Operand, class Result>
+Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand const& B, double beta,
+                 Result& C) {
+    Failure failure = failureUnless(product.fits(C.size()), DimensionsMismatch);
+    if (!failure)
+        OneMKL::gemm(product.transA, product.transB, product.m(), product.n(), product.k(), alpha, A.data(),
+                     product.a.rows(), B.data(), product.b.rows(), beta, C.data(), product.m());
+    // The operation's postcondition. Callers rely on it being looked at after a failed check too.
+    if (Failure const after = failureUnless(product.fits(C.size()), DimensionsMismatch))
+        failure = after;
+    return failure;
 }
 
-/// y := alpha op(A) x + beta y, for vectors that are long enough.
-Failure multiply(Transpose trans, double alpha, TableIn const& a, ElementsIn const& x, double beta,
-                 ElementsInOut const& y) {
-    if (x.length < columnsOf(trans, a) || y.length < rowsOf(trans, a))
+/// y := alpha op(A) x + beta y, for vectors that are long enough. Asks for elements as the product above
+/// does.
+template<class MatrixOperand, class VectorOperand, class Result>
+Failure gemvInto(Transpose trans, Dimensions const& a, double alpha, MatrixOperand const& A,
+                 VectorOperand const& x, double beta, Result& y) {
+    if (x.length() < op(trans, a).columns() || y.length() < op(trans, a).rows())
         return DimensionsMismatch;
-    OneMKL::gemv(trans, a.rows, a.columns, alpha, a.data, a.leadingDimension(), x.data, beta, y.data);
+    OneMKL::gemv(trans, a.rows(), a.columns(), alpha, A.data(), a.rows(), x.data(), beta, y.data());
     return {};
 }
 
-/// The system's order comes from the right-hand side; A is trusted to match.
+/// The system's order comes from the right-hand side, a MatrixRef or a VectorRef; A is trusted to match.
 template<class RightHandSide>
-Failure solve(TableInOut const& a, RightHandSide const& b) {
-    return Detail::solve(b.rows, b.columns, a.data, b.data);
-}
-
-/// Runs the body of a legacy operation, out of which no exception comes: a failed allocation, or what an
-/// accessor of the caller's own table throws, makes the error unknown.
-template<class Body>
-void reportingUnknown(System::ErrorCode& error, Body const& body) {
-    try {
-        body();
-    } catch (...) {
-        error.assignUnknown();
-    }
+Failure gesv(MatrixRef const& a, RightHandSide const& b) {
+    return OneMKL::gesv(b.rows, b.columns, a.data, b.data).failure(SolutionNotComputed);
 }
 
 } // namespace
@@ -97,11 +92,7 @@ System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose 
                                                     Matrix2 const& A, Matrix2 const& B, double const& beta,
                                                     Matrix2& C) {
     return System::guard<Matrix2*>([&] {
-        ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
-        Detail::raise(failureUnless(shape.fits(C.size()), DimensionsMismatch));
-        multiply(transA, transB, shape, alpha, tableOf(A), tableOf(B), beta, tableOf(C));
-        Detail::raise(
-            failureUnless(shape.fits(C.size()), DimensionsMismatch)); // the operation's postcondition
+        Detail::raise(gemmInto(productOf(transA, transB, A, B), alpha, A, B, beta, C));
         return &C;
     });
 }
@@ -109,9 +100,9 @@ System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose 
 System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA, Transpose transB, double const& alpha,
                                                    Matrix2 const& A, Matrix2 const& B) {
     return System::guard<Matrix2>([&] {
-        ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
-        Matrix2 C(shape.m, shape.n, 0.0);
-        gemm(transA, transB, alpha, A, B, 0.0, C).value();
+        Product const product = productOf(transA, transB, A, B);
+        Matrix2 C(product.m(), product.n(), 0.0);
+        Detail::raise(gemmInto(product, alpha, A, B, 0.0, C));
         return C;
     });
 }
@@ -124,7 +115,7 @@ System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA, Transpose t
 System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha, Matrix2 const& A,
                                                     Vector2 const& x, double const& beta, Vector2& y) {
     return System::guard<Vector2*>([&] {
-        Detail::raise(multiply(trans, alpha, tableOf(A), elementsOf(x), beta, elementsOf(y)));
+        Detail::raise(gemvInto(trans, shapeOf(A), alpha, A, x, beta, y));
         return &y;
     });
 }
@@ -132,8 +123,9 @@ System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double cons
 System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, double const& alpha, Matrix2 const& A,
                                                    Vector2 const& x) {
     return System::guard<Vector2>([&] {
-        Vector2 y(rowsOf(trans, tableOf(A)));
-        gemv(trans, alpha, A, x, 0.0, y).value();
+        Dimensions const a = shapeOf(A);
+        Vector2 y(op(trans, a).rows());
+        Detail::raise(gemvInto(trans, a, alpha, A, x, 0.0, y));
         return y;
     });
 }
@@ -144,89 +136,78 @@ System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, Matrix2 cons
 
 System::Expected<Matrix2*, System::ErrorCode2> gesv(Matrix2& A, Matrix2& B) {
     return System::guard<Matrix2*>([&] {
-        Detail::raise(solve(tableOf(A), tableOf(B)));
+        Detail::raise(Math::gesv(refOf(A), refOf(B)));
         return &B;
     });
 }
 
 System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vector2& b) {
     return System::guard<Vector2*>([&] {
-        Detail::raise(solve(tableOf(A), elementsOf(b)));
+        Detail::raise(Math::gesv(refOf(A), refOf(b)));
         return &b;
     });
 }
 
 Matrix& gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
              AbstractMatrix const& B, double const& beta, Matrix& C, System::ErrorCode& error) {
-    reportingUnknown(error, [&] {
-        ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
-        Failure const mismatch = failureUnless(shape.fits(C.size()), DimensionsMismatch);
-        if (!mismatch)
-            multiply(transA, transB, shape, alpha, tableOf(A), tableOf(B), beta, tableOf(C));
-        Detail::report(mismatch, error);
-        // Callers rely on the postcondition being looked at after a failed check too: it reports the mismatch
-        // again.
-        Detail::report(failureUnless(shape.fits(C.size()), DimensionsMismatch), error);
-    });
+    Detail::reportFailure(error,
+                          [&] { return gemmInto(productOf(transA, transB, A, B), alpha, A, B, beta, C); });
     return C;
 }
 
 Matrix gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
             AbstractMatrix const& B, System::ErrorCode& error) {
-    Matrix C;
-    reportingUnknown(error, [&] {
-        ProductShape const shape(transA, transB, tableOf(A), tableOf(B));
-        C = Matrix(shape.m, shape.n, 0.0);
-        gemm(transA, transB, alpha, A, B, 0.0, C, error);
-    });
-    return C;
+    return Detail::product(transA, transB, alpha, A, B, error);
 }
 
 Matrix gemm(Transpose transA, Transpose transB, AbstractMatrix const& A, AbstractMatrix const& B,
             System::ErrorCode& error) {
-    return gemm(transA, transB, 1.0, A, B, error);
+    return Detail::product(transA, transB, 1.0, A, B, error);
 }
 
 Vector& gemv(Transpose trans, double const& alpha, AbstractMatrix const& A, AbstractVector const& x,
              double const& beta, Vector& y, System::ErrorCode& error) {
-    reportingUnknown(error, [&] {
-        Detail::report(multiply(trans, alpha, tableOf(A), elementsOf(x), beta, elementsOf(y)), error);
-    });
+    Detail::reportFailure(error, [&] { return gemvInto(trans, shapeOf(A), alpha, A, x, beta, y); });
     return y;
 }
 
 Vector gemv(Transpose trans, double const& alpha, AbstractMatrix const& A, AbstractVector const& x,
             System::ErrorCode& error) {
-    Vector y;
-    reportingUnknown(error, [&] {
-        y = Vector(rowsOf(trans, tableOf(A)));
-        gemv(trans, alpha, A, x, 0.0, y, error);
-    });
-    return y;
+    return Detail::product(trans, alpha, A, x, error);
 }
 
 Vector gemv(Transpose trans, AbstractMatrix const& A, AbstractVector const& x, System::ErrorCode& error) {
-    return gemv(trans, 1.0, A, x, error);
+    return Detail::product(trans, 1.0, A, x, error);
 }
 
 Matrix& gesv(Matrix& A, Matrix& B, System::ErrorCode& error) {
-    reportingUnknown(error, [&] { Detail::report(solve(tableOf(A), tableOf(B)), error); });
+    Detail::reportFailure(error, [&] { return Math::gesv(refOf(A), refOf(B)); });
     return B;
 }
 
 Vector& gesv(Matrix& A, Vector& b, System::ErrorCode& error) {
-    reportingUnknown(error, [&] { Detail::report(solve(tableOf(A), elementsOf(b)), error); });
+    Detail::reportFailure(error, [&] { return Math::gesv(refOf(A), refOf(b)); });
     return b;
 }
 
 } // namespace BLAS
 
-Matrix AbstractMatrix::multiply(AbstractMatrix const& b, System::ErrorCode& error) const {
-    return BLAS::gemm(NoTranspose, NoTranspose, *this, b, error);
+Matrix Detail::product(Transpose transA, Transpose transB, double alpha, AbstractMatrix const& A,
+                       AbstractMatrix const& B, System::ErrorCode& error) {
+    return reportedResult<Matrix>(error, [&](std::optional<Matrix>& C) {
+        Product const product = productOf(transA, transB, A, B);
+        C.emplace(product.m(), product.n(), 0.0);
+        return gemmInto(product, alpha, A, B, 0.0, *C);
+    });
 }
 
-Vector AbstractMatrix::multiply(AbstractVector const& x, System::ErrorCode& error) const {
-    return BLAS::gemv(NoTranspose, *this, x, error);
+Vector Detail::product(Transpose trans, double alpha, AbstractMatrix const& A, AbstractVector const& x,
+                       System::ErrorCode& error) {
+    return reportedResult<Vector>(error, [&](std::optional<Vector>& y) {
+        Dimensions const a = shapeOf(A);
+        y.emplace(op(trans, a).rows());
+        return gemvInto(trans, a, alpha, A, x, 0.0, *y);
+    });
 }
 
 } // namespace Tervane::Math

@@ -1,17 +1,16 @@
-#include "linalg/Failure.h"
-#include "linalg/LinearSolve.h"
+#include "foundation/Failure.h"
+#include "legacy/Boundary.h"
+#include "linalg/MatrixRef.h"
 #include "linalg/OneMKL.h"
-#include "linalg/Tables.h"
 
 #include <Math/Detail/ElementArray.h>
 #include <Math/LAPACK.h>
-#include <Math/Matrix.h>
-#include <Math/Vector.h>
 #include <System/Guard.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace Tervane::Math {
@@ -21,12 +20,14 @@ namespace Tervane::Math {
 
 namespace {
 
-using Detail::ElementsInOut;
-using Detail::elementsOf;
 using Detail::Failure;
+using Detail::MatrixRef;
 using Detail::RealArray;
-using Detail::TableInOut;
-using Detail::tableOf;
+using Detail::refOf;
+using Detail::reportedResult;
+using Detail::reportFailure;
+using Detail::VectorRef;
+constexpr auto Described = Detail::StandardException::Described;
 namespace OneMKL = Detail::OneMKL;
 
 /// Runs a driver that takes a workspace and its size: once for the size, and once for the work unless the
@@ -42,14 +43,8 @@ OneMKL::Outcome runWithWorkspace(Driver const& driver) {
     return driver(work.data(), length);
 }
 
-Failure leastSquaresFailure(OneMKL::Outcome outcome) {
-    if (outcome.isSuccess())
-        return {};
-    return outcome.isRefusal() ? InvalidParameter : LeastSquaresFailed;
-}
-
 /// What does not fit together in A x = b, if anything.
-Failure shapeFailure(TableInOut const& a, ElementsInOut const& b) {
+Failure shapeFailure(MatrixRef const& a, VectorRef const& b) {
     if (a.rows != a.columns)
         return MatrixNotSquare;
     if (a.rows != b.rows)
@@ -57,41 +52,41 @@ Failure shapeFailure(TableInOut const& a, ElementsInOut const& b) {
     return {};
 }
 
-Failure solve(TableInOut const& a, ElementsInOut const& b) {
-    return Detail::solve(a.rows, 1, a.data, b.data);
+Failure gesv(MatrixRef const& a, VectorRef const& b) {
+    return OneMKL::gesv(a.rows, 1, a.data, b.data).failure(SolutionNotComputed);
 }
 
-Failure solveLeastSquares(Transpose trans, TableInOut const& a, ElementsInOut const& b) {
-    return leastSquaresFailure(runWithWorkspace([&](double* work, OneMKL::Integer length) {
-        return OneMKL::gels(trans, a.rows, a.columns, a.data, a.leadingDimension(), b.data, b.rows, work,
-                            length);
-    }));
+Failure gels(Transpose trans, MatrixRef const& a, VectorRef const& b) {
+    auto const driver = [&](double* work, OneMKL::Integer lwork) {
+        return OneMKL::gels(trans, a.rows, a.columns, a.data, a.rows, b.data, b.rows, work, lwork);
+    };
+    return runWithWorkspace(driver).failure(LeastSquaresFailed);
 }
 
-Failure solveLeastNorm(TableInOut const& a, ElementsInOut const& b, double rcond) {
+Failure gelsd(MatrixRef const& a, VectorRef const& b, double rcond) {
     RealArray singularValues(std::max<std::size_t>(std::min(a.rows, a.columns), 1));
-    std::vector<OneMKL::Integer> integerWork(1);
-    return leastSquaresFailure(runWithWorkspace([&](double* work, OneMKL::Integer length) {
+    std::vector<OneMKL::Integer> iwork(1);
+    auto const driver = [&](double* work, OneMKL::Integer lwork) {
         // The query leaves the size of the integer workspace in its first element.
-        if (length != OneMKL::workspaceQuery)
-            integerWork.resize(static_cast<std::size_t>(integerWork[0]));
-        return OneMKL::gelsd(a.rows, a.columns, a.data, a.leadingDimension(), b.data, b.rows,
-                             singularValues.data(), rcond, work, length, integerWork.data());
-    }));
+        if (lwork != OneMKL::workspaceQuery)
+            iwork.resize(static_cast<std::size_t>(iwork[0]));
+        return OneMKL::gelsd(a.rows, a.columns, a.data, a.rows, b.data, b.rows, singularValues.data(), rcond,
+                             work, lwork, iwork.data());
+    };
+    return runWithWorkspace(driver).failure(LeastSquaresFailed);
 }
 
 /// @param x room for a.columns elements
-Failure solveConstrained(TableInOut const& a, TableInOut const& b, ElementsInOut const& c,
-                         ElementsInOut const& d, double* x) {
+Failure gglse(MatrixRef const& a, MatrixRef const& b, VectorRef const& c, VectorRef const& d, double* x) {
     if (a.rows == 0 || a.columns == 0)
         return InvalidParameter;
     if (a.columns != b.columns || c.length < a.rows || d.length < b.rows)
         return DimensionsMismatch;
-    OneMKL::Outcome const outcome = runWithWorkspace([&](double* work, OneMKL::Integer length) {
-        return OneMKL::gglse(a.rows, a.columns, b.rows, a.data, a.leadingDimension(), b.data,
-                             b.leadingDimension(), c.data, d.data, x, work, length);
-    });
-    switch (outcome.info) {
+    auto const driver = [&](double* work, OneMKL::Integer lwork) {
+        return OneMKL::gglse(a.rows, a.columns, b.rows, a.data, a.rows, b.data, b.rows, c.data, d.data, x,
+                             work, lwork);
+    };
+    switch (runWithWorkspace(driver).info) {
     case 0:
         return {};
     case 1:
@@ -103,26 +98,6 @@ Failure solveConstrained(TableInOut const& a, TableInOut const& b, ElementsInOut
     }
 }
 
-/// Runs the body of a legacy operation, which throws a bare LinearAlgebraErrorCode on failure, and stores
-/// what it throws.
-template<class Body>
-void reporting(System::ErrorCode& error, Body const& body) {
-    try {
-        body();
-    } catch (LinearAlgebraErrorCode code) {
-        error.assign(System::ErrorBuilder<LinearAlgebraErrorCode>::make(code));
-    } catch (std::exception const& exception) {
-        error.assign(exception);
-    } catch (...) {
-        error.assignUnknown();
-    }
-}
-
-void raiseLegacy(Failure const& failure) {
-    if (failure)
-        throw static_cast<LinearAlgebraErrorCode>(*failure);
-}
-
 } // namespace
 
 namespace LAPACK {
@@ -131,51 +106,51 @@ System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2& b) {
     return System::guard<void>([&] {
         // The bare enumerator is no exception that the guard knows, so callers see the error -1 of the system
         // category for a wrong shape, and rely on it.
-        if (Failure const failure = shapeFailure(tableOf(A), elementsOf(b)))
+        if (Failure const failure = shapeFailure(refOf(A), refOf(b)))
             throw *failure;
-        Detail::raise(solve(tableOf(A), elementsOf(b)));
+        Detail::raise(Math::gesv(refOf(A), refOf(b)));
     });
 }
 
 System::Expected<void, System::ErrorCode2> gels(Transpose trans, Matrix2& A, Vector2& b) {
-    return System::guard<void>([&] { Detail::raise(solveLeastSquares(trans, tableOf(A), elementsOf(b))); });
+    return System::guard<void>([&] { Detail::raise(Math::gels(trans, refOf(A), refOf(b))); });
 }
 
 System::Expected<void, System::ErrorCode2> gelsd(Matrix2& A, Vector2& b, double const& rcond) {
-    return System::guard<void>([&] { Detail::raise(solveLeastNorm(tableOf(A), elementsOf(b), rcond)); });
+    return System::guard<void>([&] { Detail::raise(Math::gelsd(refOf(A), refOf(b), rcond)); });
 }
 
 System::Expected<Vector2, System::ErrorCode2> gglse(Matrix2& A, Matrix2& B, Vector2& c, Vector2& d) {
     return System::guard<Vector2>([&] {
         Vector2 x(A.columns());
-        Detail::raise(solveConstrained(tableOf(A), tableOf(B), elementsOf(c), elementsOf(d), x.data()));
+        Detail::raise(Math::gglse(refOf(A), refOf(B), refOf(c), refOf(d), x.data()));
         return x;
     });
 }
 
 void gesv(Matrix& A, Vector& b, System::ErrorCode& error) {
-    reporting(error, [&] {
-        raiseLegacy(shapeFailure(tableOf(A), elementsOf(b)));
-        raiseLegacy(solve(tableOf(A), elementsOf(b)));
+    reportFailure<Described>(error, [&] {
+        Failure const failure = shapeFailure(refOf(A), refOf(b));
+        return failure ? failure : Math::gesv(refOf(A), refOf(b));
     });
 }
 
 void gels(Transpose trans, Matrix& A, Vector& b, System::ErrorCode& error) {
-    reporting(error, [&] { raiseLegacy(solveLeastSquares(trans, tableOf(A), elementsOf(b))); });
+    reportFailure<Described>(error, [&] { return Math::gels(trans, refOf(A), refOf(b)); });
 }
 
 void gelsd(Matrix& A, Vector& b, System::ErrorCode& error, double const& rcond) {
-    reporting(error, [&] { raiseLegacy(solveLeastNorm(tableOf(A), elementsOf(b), rcond)); });
+    reportFailure<Described>(error, [&] { return Math::gelsd(refOf(A), refOf(b), rcond); });
 }
 
 Vector gglse(Matrix& A, Matrix& B, Vector& c, Vector& d, System::ErrorCode& error) {
-    Vector result;
-    reporting(error, [&] {
+    return reportedResult<Vector, Described>(error, [&](std::optional<Vector>& result) {
         Vector x(A.columns());
-        raiseLegacy(solveConstrained(tableOf(A), tableOf(B), elementsOf(c), elementsOf(d), x.data()));
-        result = std::move(x);
+        Failure const failure = Math::gglse(refOf(A), refOf(B), refOf(c), refOf(d), x.data());
+        if (!failure)
+            result = std::move(x);
+        return failure;
     });
-    return result;
 }
 
 } // namespace LAPACK

@@ -4,6 +4,7 @@
 #include <mkl_lapack.h>
 
 #include <type_traits>
+#include <vector>
 
 namespace Tervane::Math::Detail::OneMKL {
 
@@ -11,11 +12,18 @@ static_assert(std::is_same_v<MKL_INT, Integer>, "the 64-bit-integer interface is
 
 namespace {
 
-MKL_INT const one = 1;
+/// An integer as the routines take it, by its address, for the call that it is written in.
+class Size {
+public:
+    explicit Size(std::size_t n) : _n(static_cast<MKL_INT>(n)) {}
+    operator MKL_INT const*() const noexcept { return &_n; }
 
-MKL_INT toInteger(std::size_t n) {
-    return static_cast<MKL_INT>(n);
-}
+private:
+    MKL_INT _n;
+};
+
+/// Elements of a vector are adjacent, and drivers have one right-hand side.
+MKL_INT const one = 1;
 
 // A value that is no enumerator means no transposition; callers rely on it.
 char const* flagOf(Transpose trans) {
@@ -35,52 +43,40 @@ char const* flagOf(Transpose trans) {
 void gemm(Transpose transA, Transpose transB, std::size_t m, std::size_t n, std::size_t k, double alpha,
           double const* a, std::size_t lda, double const* b, std::size_t ldb, double beta, double* c,
           std::size_t ldc) {
-    MKL_INT const rows = toInteger(m), columns = toInteger(n), inner = toInteger(k);
-    MKL_INT const strideA = toInteger(lda), strideB = toInteger(ldb), strideC = toInteger(ldc);
-    dgemm(flagOf(transA), flagOf(transB), &rows, &columns, &inner, &alpha, a, &strideA, b, &strideB, &beta, c,
-          &strideC);
+    dgemm(flagOf(transA), flagOf(transB), Size(m), Size(n), Size(k), &alpha, a, Size(lda), b, Size(ldb),
+          &beta, c, Size(ldc));
 }
 
 void gemv(Transpose trans, std::size_t m, std::size_t n, double alpha, double const* a, std::size_t lda,
           double const* x, double beta, double* y) {
-    MKL_INT const rows = toInteger(m), columns = toInteger(n), strideA = toInteger(lda);
-    dgemv(flagOf(trans), &rows, &columns, &alpha, a, &strideA, x, &one, &beta, y, &one);
+    dgemv(flagOf(trans), Size(m), Size(n), &alpha, a, Size(lda), x, &one, &beta, y, &one);
 }
 
-Outcome gesv(std::size_t n, std::size_t rightHandSides, double* a, std::size_t lda, Integer* pivots,
-             double* b, std::size_t ldb) {
-    MKL_INT const order = toInteger(n), count = toInteger(rightHandSides), strideA = toInteger(lda),
-                  strideB = toInteger(ldb);
+Outcome gesv(std::size_t n, std::size_t nrhs, double* a, double* b) {
+    std::vector<MKL_INT> pivots(n);
     MKL_INT info = 0;
-    dgesv(&order, &count, a, &strideA, pivots, b, &strideB, &info);
+    dgesv(Size(n), Size(nrhs), a, Size(n), pivots.data(), b, Size(n), &info);
     return {info};
 }
 
 Outcome gels(Transpose trans, std::size_t m, std::size_t n, double* a, std::size_t lda, double* b,
-             std::size_t ldb, double* work, Integer workLength) {
-    MKL_INT const rows = toInteger(m), columns = toInteger(n), strideA = toInteger(lda),
-                  strideB = toInteger(ldb), length = workLength;
+             std::size_t ldb, double* work, Integer lwork) {
     MKL_INT info = 0;
-    dgels(flagOf(trans), &rows, &columns, &one, a, &strideA, b, &strideB, work, &length, &info);
+    dgels(flagOf(trans), Size(m), Size(n), &one, a, Size(lda), b, Size(ldb), work, &lwork, &info);
     return {info};
 }
 
-Outcome gelsd(std::size_t m, std::size_t n, double* a, std::size_t lda, double* b, std::size_t ldb,
-              double* singularValues, double rcond, double* work, Integer workLength, Integer* integerWork) {
-    MKL_INT const rows = toInteger(m), columns = toInteger(n), strideA = toInteger(lda),
-                  strideB = toInteger(ldb), length = workLength;
+Outcome gelsd(std::size_t m, std::size_t n, double* a, std::size_t lda, double* b, std::size_t ldb, double* s,
+              double rcond, double* work, Integer lwork, Integer* iwork) {
     MKL_INT rank = 0, info = 0;
-    dgelsd(&rows, &columns, &one, a, &strideA, b, &strideB, singularValues, &rcond, &rank, work, &length,
-           integerWork, &info);
+    dgelsd(Size(m), Size(n), &one, a, Size(lda), b, Size(ldb), s, &rcond, &rank, work, &lwork, iwork, &info);
     return {info};
 }
 
 Outcome gglse(std::size_t m, std::size_t n, std::size_t p, double* a, std::size_t lda, double* b,
-              std::size_t ldb, double* c, double* d, double* x, double* work, Integer workLength) {
-    MKL_INT const rows = toInteger(m), columns = toInteger(n), constraints = toInteger(p),
-                  strideA = toInteger(lda), strideB = toInteger(ldb), length = workLength;
+              std::size_t ldb, double* c, double* d, double* x, double* work, Integer lwork) {
     MKL_INT info = 0;
-    dgglse(&rows, &columns, &constraints, a, &strideA, b, &strideB, c, d, x, work, &length, &info);
+    dgglse(Size(m), Size(n), Size(p), a, Size(lda), b, Size(ldb), c, d, x, work, &lwork, &info);
     return {info};
 }
 

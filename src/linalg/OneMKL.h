@@ -1,5 +1,8 @@
 #pragma once
 
+#include "foundation/Failure.h"
+
+#include <Math/Errors.h>
 #include <Math/Transpose.h>
 
 #include <cstddef>
@@ -23,6 +26,11 @@ struct Outcome {
 
     bool isSuccess() const noexcept { return info == 0; }
     bool isRefusal() const noexcept { return info < 0; }
+
+    /// @param numerical what an outcome of the numbers is
+    Failure failure(LinearAlgebraErrc numerical) const {
+        return isSuccess() ? Failure() : isRefusal() ? InvalidParameter : numerical;
+    }
 };
 
 /// C := alpha op(A) op(B) + beta C
@@ -34,20 +42,19 @@ void gemm(Transpose transA, Transpose transB, std::size_t m, std::size_t n, std:
 void gemv(Transpose trans, std::size_t m, std::size_t n, double alpha, double const* a, std::size_t lda,
           double const* x, double beta, double* y);
 
-/// A X = B by LU factorisation
-Outcome gesv(std::size_t n, std::size_t rightHandSides, double* a, std::size_t lda, Integer* pivots,
-             double* b, std::size_t ldb);
+/// A X = B by LU factorisation, for an n x n matrix A and n rows of B. The pivots are forgotten.
+Outcome gesv(std::size_t n, std::size_t nrhs, double* a, double* b);
 
 /// min ||b - op(A) x|| by QR or LQ factorisation, for one right-hand side
 Outcome gels(Transpose trans, std::size_t m, std::size_t n, double* a, std::size_t lda, double* b,
-             std::size_t ldb, double* work, Integer workLength);
+             std::size_t ldb, double* work, Integer lwork);
 
 /// min ||b - A x|| by singular value decomposition, for one right-hand side
-Outcome gelsd(std::size_t m, std::size_t n, double* a, std::size_t lda, double* b, std::size_t ldb,
-              double* singularValues, double rcond, double* work, Integer workLength, Integer* integerWork);
+Outcome gelsd(std::size_t m, std::size_t n, double* a, std::size_t lda, double* b, std::size_t ldb, double* s,
+              double rcond, double* work, Integer lwork, Integer* iwork);
 
 /// min ||c - A x|| subject to B x = d
 Outcome gglse(std::size_t m, std::size_t n, std::size_t p, double* a, std::size_t lda, double* b,
-              std::size_t ldb, double* c, double* d, double* x, double* work, Integer workLength);
+              std::size_t ldb, double* c, double* d, double* x, double* work, Integer lwork);
 
 } // namespace Tervane::Math::Detail::OneMKL
