@@ -11,12 +11,27 @@ endif()
 
 find_path(TVNMATH_ONEMKL_INCLUDE_DIR mkl.h ${_mkl_header_search})
 find_library(TVNMATH_ONEMKL_INTERFACE libmkl_intel_ilp64.a ${_mkl_search})
-find_library(TVNMATH_ONEMKL_THREAD libmkl_${TVNMATH_ONEMKL_THREADING}.a ${_mkl_search})
+# By name, so that a build folder configured for another layer looks for that one.
+find_library(TVNMATH_ONEMKL_${TVNMATH_ONEMKL_THREADING} libmkl_${TVNMATH_ONEMKL_THREADING}.a ${_mkl_search})
 find_library(TVNMATH_ONEMKL_CORE libmkl_core.a ${_mkl_search})
-if(NOT (TVNMATH_ONEMKL_INCLUDE_DIR AND TVNMATH_ONEMKL_INTERFACE AND TVNMATH_ONEMKL_THREAD AND TVNMATH_ONEMKL_CORE))
+if(NOT (TVNMATH_ONEMKL_INCLUDE_DIR AND TVNMATH_ONEMKL_INTERFACE AND TVNMATH_ONEMKL_${TVNMATH_ONEMKL_THREADING} AND TVNMATH_ONEMKL_CORE))
   message(FATAL_ERROR
     "oneMKL's static 64-bit-integer libraries were not found (threading layer ${TVNMATH_ONEMKL_THREADING}). "
     "Run scripts/setup, which installs them, or set the environment variable MKLROOT to an installation.")
+endif()
+
+# The OpenMP runtime that the threading layer calls. Intel's and LLVM's are interchangeable, and either goes by this name.
+set(_openmp "")
+if(TVNMATH_ONEMKL_THREADING STREQUAL "intel_thread")
+  find_library(TVNMATH_LLVM_OPENMP iomp5)
+  if(NOT TVNMATH_LLVM_OPENMP)
+    message(FATAL_ERROR
+      "LLVM's OpenMP runtime (libiomp5.so) was not found. Run scripts/setup, which installs it, name the library by "
+      "TVNMATH_LLVM_OPENMP, or choose another TVNMATH_ONEMKL_THREADING.")
+  endif()
+  set(_openmp "${TVNMATH_LLVM_OPENMP}")
+elseif(TVNMATH_ONEMKL_THREADING STREQUAL "gnu_thread")
+  set(_openmp gomp)
 endif()
 
 find_package(Threads REQUIRED)
@@ -25,8 +40,5 @@ target_include_directories(OneMKL::Static SYSTEM INTERFACE "${TVNMATH_ONEMKL_INC
 target_compile_definitions(OneMKL::Static INTERFACE MKL_ILP64)
 # The three archives refer to each other in a circle, hence the group.
 target_link_libraries(OneMKL::Static INTERFACE
-  -Wl,--start-group "${TVNMATH_ONEMKL_INTERFACE}" "${TVNMATH_ONEMKL_THREAD}" "${TVNMATH_ONEMKL_CORE}" -Wl,--end-group
-  Threads::Threads m ${CMAKE_DL_LIBS})
-if(TVNMATH_ONEMKL_THREADING STREQUAL "gnu_thread")
-  target_link_libraries(OneMKL::Static INTERFACE gomp)
-endif()
+  -Wl,--start-group "${TVNMATH_ONEMKL_INTERFACE}" "${TVNMATH_ONEMKL_${TVNMATH_ONEMKL_THREADING}}" "${TVNMATH_ONEMKL_CORE}" -Wl,--end-group
+  ${_openmp} Threads::Threads m ${CMAKE_DL_LIBS})

@@ -8,6 +8,9 @@ import re
 import subprocess
 import sys
 
+# What each of oneMKL's threading layers runs on; Intel's OpenMP runtime and LLVM's are interchangeable.
+RUNTIMES = {"intel_thread": ("libomp", "libiomp5"), "gnu_thread": ("libgomp",), "sequential": ()}
+
 
 def main():
     library, link_map, threading = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3]
@@ -21,7 +24,8 @@ def main():
         failures.append(f"a oneMKL shared library is needed: {needed}")
     if archives != {"mkl_intel_ilp64", f"mkl_{threading}", "mkl_core"}:
         failures.append(f"linked archives: {sorted(archives)}")
-    if any(name.startswith("libgomp") for name in needed) != (threading == "gnu_thread"):
+    openmp = [name for name in needed if name.startswith(("libomp", "libiomp5", "libgomp"))]
+    if len(openmp) != min(len(RUNTIMES[threading]), 1) or not all(name.startswith(RUNTIMES[threading]) for name in openmp):
         failures.append(f"the OpenMP run-time does not fit the threading layer {threading}: {needed}")
     print("\n".join(failures) or f"{sorted(archives)}; needed: {needed}")
     return 1 if failures else 0

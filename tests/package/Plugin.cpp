@@ -1,0 +1,28 @@
+// A host's plugin that computes with the library: what PluginHost.cpp loads and unloads.
+#include <Math/Math.h>
+
+#include <cmath>
+
+/// Computes on every runtime that stands behind the library: oneMKL's threads, the parallel algorithms'
+/// workers, a transform, and an error of a category.
+/// @return whether all came out right
+extern "C" __attribute__((visibility("default"))) bool compute() {
+    using namespace Tervane::Math;
+
+    // Large enough for oneMKL and the parallel policies to use their threads.
+    std::size_t const order = 300;
+    Matrix2 const ones(order, order, 1.0);
+    auto const product = BLAS::gemm(NoTranspose, NoTranspose, ones, ones);
+    if (!product || (*product)[order - 1][order - 1] != static_cast<double>(order))
+        return false;
+
+    Vector2 const sines = sin(zeros(100000));
+    if (sum(sines) != 0.0)
+        return false;
+
+    auto const spectrum = FFT::fft_real(zeros(100000) + 1.0);
+    if (!spectrum || std::abs(spectrum->data()[0] - 100000.0) > 1e-6)
+        return false;
+
+    return !BLAS::gemm(NoTranspose, NoTranspose, ones, Matrix2(2, 2, 0.0)).has_value();
+}
