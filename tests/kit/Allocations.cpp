@@ -1,5 +1,7 @@
 #include "kit/Allocations.h"
 
+#include <malloc.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -35,6 +37,7 @@ void note(std::size_t bytes) {
 
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(void const volatile*, std::size_t),
                                                          void (*onFree)(void const volatile*));
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 
 namespace {
 
@@ -140,6 +143,15 @@ bool FailingAllocations::areSupported() {
     return false;
 #else
     return true;
+#endif
+}
+
+std::size_t heapInUse() {
+#if defined(TVNMATH_HEAP_IS_SANITIZED)
+    return __sanitizer_get_current_allocated_bytes();
+#else
+    struct mallinfo2 const heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
 #endif
 }
 

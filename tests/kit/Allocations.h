@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Counts heap allocations, those inside shared libraries included, and makes large ones fail.
+/// Counts heap allocations, those inside shared libraries included, makes large ones fail, and measures the
+/// heap.
 
 #include <cstddef>
 
@@ -35,5 +36,8 @@ public:
     /// False in the sanitizers' builds, whose heap cannot be made to fail.
     static bool areSupported();
 };
+
+/// Bytes of the heap that are in use now, by whomever.
+std::size_t heapInUse();
 
 } // namespace Tervane::Math::TestKit

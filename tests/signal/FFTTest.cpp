@@ -1,6 +1,7 @@
 // Both generations of the real transform, against a discrete Fourier transform in extended precision where
 // that is affordable and by its own inverse where it is not.
 
+#include "kit/Allocations.h"
 #include "kit/Bits.h"
 #include "kit/ErrorBounds.h"
 #include "kit/Policies.h"
@@ -300,6 +301,37 @@ TEST(LegacyFFT, TransformsBitForBitAsTheCurrentGeneration) {
         EXPECT_TRUE(sameBits(elementsOf(legacySamples), elementsOf(currentSamples.value())));
         EXPECT_EQ(legacySamples.orientation(), Column);
         EXPECT_FALSE(error.hasError());
+    }
+}
+
+/// How many bytes `calls` calls of `transform` leave on the heap, once the buffers that oneMKL keeps are
+/// there.
+template<class Transform>
+std::ptrdiff_t bytesLeftBy(int calls, Transform const& transform) {
+    for (int i = 0; i < 20; ++i)
+        transform();
+    std::size_t const before = TestKit::heapInUse();
+    for (int i = 0; i < calls; ++i)
+        transform();
+    return static_cast<std::ptrdiff_t>(TestKit::heapInUse() - before);
+}
+
+// A descriptor that is not freed takes more than a kilobyte.
+TEST(FFT, EachTransformGivesItsDescriptorBack) {
+    constexpr int calls = 500;
+    constexpr std::ptrdiff_t noise = 100 * calls;
+    for (std::size_t const n : {12u, 97u, 1024u}) {
+        SCOPED_TRACE("length " + std::to_string(n));
+        Vector2 const x = vectorOf(ordinaryValues(n));
+        ComplexVector2 const spectrum = FFT::fft_real(x).value();
+        EXPECT_LE(bytesLeftBy(calls, [&] { FFT::fft_real(x).value(); }), noise);
+        EXPECT_LE(bytesLeftBy(calls, [&] { FFT::ifft_real(spectrum, n).value(); }), noise);
+
+        ErrorCode error;
+        Vector const legacyX(ordinaryValues(n));
+        ComplexVector const legacySpectrum = FFT::fft_real(legacyX, error);
+        EXPECT_LE(bytesLeftBy(calls, [&] { FFT::fft_real(legacyX, error); }), noise);
+        EXPECT_LE(bytesLeftBy(calls, [&] { FFT::ifft_real(legacySpectrum, n, error); }), noise);
     }
 }
 
