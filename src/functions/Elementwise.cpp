@@ -28,7 +28,19 @@ void SquareRoot::operator()(double const* in, double* out, std::size_t n) const 
 
 namespace {
 
-using namespace Detail;
+using Detail::Absolute;
+using Detail::ComplexArray;
+using Detail::ContainerAccess;
+using Detail::Cosine;
+using Detail::DecimalLogarithm;
+using Detail::Exponential;
+using Detail::LegacyAccess;
+using Detail::Magnitude;
+using Detail::Power;
+using Detail::RealArray;
+using Detail::Sine;
+using Detail::SquareRoot;
+using Detail::VectorData;
 
 template<class Function>
 Vector2 applied(Function f, Vector2&& x) {

@@ -24,7 +24,7 @@ using Detail::refOf;
 namespace OneMKL = Detail::OneMKL;
 
 template<class AnyMatrix>
-Dimensions shapeOf(AnyMatrix const& M) {
+Dimensions sizeOf(AnyMatrix const& M) {
     return Dimensions(M.rows(), M.columns());
 }
 
@@ -49,7 +49,7 @@ struct Product {
 
 template<class AnyMatrix>
 Product productOf(Transpose transA, Transpose transB, AnyMatrix const& A, AnyMatrix const& B) {
-    return {transA, transB, shapeOf(A), shapeOf(B)};
+    return {transA, transB, sizeOf(A), sizeOf(B)};
 }
 
 /// C := alpha op(A) op(B) + beta C. The operands are asked for their elements when the shapes fit, not
@@ -115,7 +115,7 @@ System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA, Transpose t
 System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha, Matrix2 const& A,
                                                     Vector2 const& x, double const& beta, Vector2& y) {
     return System::guard<Vector2*>([&] {
-        Detail::raise(gemvInto(trans, shapeOf(A), alpha, A, x, beta, y));
+        Detail::raise(gemvInto(trans, sizeOf(A), alpha, A, x, beta, y));
         return &y;
     });
 }
@@ -123,7 +123,7 @@ System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double cons
 System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, double const& alpha, Matrix2 const& A,
                                                    Vector2 const& x) {
     return System::guard<Vector2>([&] {
-        Dimensions const a = shapeOf(A);
+        Dimensions const a = sizeOf(A);
         Vector2 y(op(trans, a).rows());
         Detail::raise(gemvInto(trans, a, alpha, A, x, 0.0, y));
         return y;
@@ -167,7 +167,7 @@ Matrix gemm(Transpose transA, Transpose transB, AbstractMatrix const& A, Abstrac
 
 Vector& gemv(Transpose trans, double const& alpha, AbstractMatrix const& A, AbstractVector const& x,
              double const& beta, Vector& y, System::ErrorCode& error) {
-    Detail::reportFailure(error, [&] { return gemvInto(trans, shapeOf(A), alpha, A, x, beta, y); });
+    Detail::reportFailure(error, [&] { return gemvInto(trans, sizeOf(A), alpha, A, x, beta, y); });
     return y;
 }
 
@@ -204,7 +204,7 @@ Matrix Detail::product(Transpose transA, Transpose transB, double alpha, Abstrac
 Vector Detail::product(Transpose trans, double alpha, AbstractMatrix const& A, AbstractVector const& x,
                        System::ErrorCode& error) {
     return reportedResult<Vector>(error, [&](std::optional<Vector>& y) {
-        Dimensions const a = shapeOf(A);
+        Dimensions const a = sizeOf(A);
         y.emplace(op(trans, a).rows());
         return gemvInto(trans, a, alpha, A, x, 0.0, *y);
     });
