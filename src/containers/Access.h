@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Transform.h"
+
 #include <Math/ComplexVector2.h>
 #include <Math/ComplexVectorView2.h>
 #include <Math/Matrix2.h>
@@ -20,10 +22,18 @@ struct ContainerAccess {
     static VectorOrientation orientation(ComplexVector2 const& v) noexcept { return v._orientation; }
     static VectorOrientation orientation(ComplexVectorView2 const& v) noexcept { return v._orientation; }
 
+    static double* elements(Vector2& v) noexcept { return v._elements.data(); }
+    static double const* elements(Vector2 const& v) noexcept { return v._elements.data(); }
+    static double const* elements(VectorView2 const& v) noexcept { return v._data; }
     static std::complex<double>* elements(ComplexVector2& v) noexcept { return v._elements.data(); }
     static std::complex<double> const* elements(ComplexVector2 const& v) noexcept {
         return v._elements.data();
     }
+    static std::complex<double> const* elements(ComplexVectorView2 const& v) noexcept {
+        return reinterpret_cast<std::complex<double> const*>(v._data);
+    }
+
+    static std::size_t length(auto const& v) noexcept { return v.length(); }
 
     /// A vector of `n` elements for the caller to write.
     static Vector2 uninitialised(std::size_t n, VectorOrientation orientation) {
@@ -40,6 +50,24 @@ struct ContainerAccess {
         result._orientation = orientation;
         return result;
     }
+
+    static Vector2 shapedAs(Vector2 const& v) { return uninitialised(v.length(), v._orientation); }
+    static Vector2 shapedAs(VectorView2 const& v) { return uninitialised(v.length(), v._orientation); }
+    static ComplexVector2 shapedAs(ComplexVector2 const& v) {
+        return uninitialisedComplex(v.length(), v._orientation);
+    }
+    static ComplexVector2 shapedAs(ComplexVectorView2 const& v) {
+        return uninitialisedComplex(v.length(), v._orientation);
+    }
 };
+
+template<>
+struct AccessTo<Vector2> : ContainerAccess {};
+template<>
+struct AccessTo<VectorView2> : ContainerAccess {};
+template<>
+struct AccessTo<ComplexVector2> : ContainerAccess {};
+template<>
+struct AccessTo<ComplexVectorView2> : ContainerAccess {};
 
 } // namespace Tervane::Math::Detail

@@ -2,6 +2,7 @@
 #include "foundation/ElementwiseDispatch.h"
 #include "foundation/Multiversion.h"
 #include "foundation/Operations.h"
+#include "foundation/Transform.h"
 
 #include <Math/ComplexVector2.h>
 #include <Math/Vector2.h>
@@ -18,10 +19,11 @@ namespace Tervane::Math {
 
 namespace {
 
-using Detail::ContainerAccess;
 using Detail::Divide;
 using Detail::Multiply;
-using Detail::WithRightScalar;
+using Detail::transform;
+using Detail::transformed;
+using Detail::withRight;
 using Complex = std::complex<double>;
 
 /// `yes` where `choice` holds and `no` elsewhere, by the bits: compilers make a branch of a conditional
@@ -82,99 +84,58 @@ struct ScalarOver {
     }
 };
 
-/// The elements as one range of doubles: a real scalar does the same to both parts.
-template<class Op>
-void scale(double const* parts, std::size_t n, double* out, double scalar) {
-    ElementwiseDispatch::transform(parts, parts + 2 * n, out, WithRightScalar<Op>{scalar});
-}
-
-/// A vector for the result, in the shape of `model`.
-ComplexVector2 shapedAs(auto const& model) {
-    return ContainerAccess::uninitialisedComplex(model.length(), ContainerAccess::orientation(model));
-}
-
-template<class Op>
-ComplexVector2 freshlyScaled(ComplexVector2 const& z, double scalar) {
-    ComplexVector2 result = shapedAs(z);
-    scale<Op>(z.data(), z.length(), result.data(), scalar);
-    return result;
-}
-
-/// z[k] * v[k], for a vector or a view z.
-ComplexVector2 freshProduct(auto const& z, Vector2 const& v) {
-    ComplexVector2 result = shapedAs(z);
-    auto const* const first = reinterpret_cast<Complex const*>(z.data());
-    ElementwiseDispatch::transform(first, first + z.length(), v.data(), ContainerAccess::elements(result),
-                                   Multiply());
-    return result;
-}
-
-void divideScalar(double d, ComplexVector2 const& z, ComplexVector2& result) {
-    Complex const* const first = ContainerAccess::elements(z);
-    ElementwiseDispatch::transform(first, first + z.length(), ContainerAccess::elements(result),
-                                   ScalarOver{d});
-}
-
 } // namespace
 
 ComplexVector2& ComplexVector2::operator*=(double const& right) {
-    scale<Multiply>(data(), length(), data(), right);
-    return *this;
+    return transform(*this, withRight<Multiply>(right));
 }
 
 ComplexVector2& ComplexVector2::operator/=(double const& right) {
-    scale<Divide>(data(), length(), data(), right);
-    return *this;
+    return transform(*this, withRight<Divide>(right));
 }
 
 ComplexVector2& ComplexVector2::operator*=(Vector2 const& right) {
-    Complex* const first = ContainerAccess::elements(*this);
-    ElementwiseDispatch::transform(std::as_const(_elements).begin(), std::as_const(_elements).end(),
-                                   right.data(), first, Multiply());
-    return *this;
+    return transform(*this, right, Multiply());
 }
 
 ComplexVector2 operator*(ComplexVector2&& left, double const& right) {
-    return std::move(left *= right);
+    return transformed(std::move(left), withRight<Multiply>(right));
 }
 ComplexVector2 operator*(ComplexVector2 const& left, double const& right) {
-    return freshlyScaled<Multiply>(left, right);
+    return transformed(left, withRight<Multiply>(right));
 }
 ComplexVector2 operator*(double const& left, ComplexVector2&& right) {
-    return std::move(right *= left);
+    return std::move(right) * left;
 }
 ComplexVector2 operator*(double const& left, ComplexVector2 const& right) {
     return right * left;
 }
 ComplexVector2 operator*(ComplexVector2&& left, Vector2 const& right) {
-    return std::move(left *= right);
+    return transformed(std::move(left), right, Multiply());
 }
 ComplexVector2 operator*(ComplexVector2 const& left, Vector2 const& right) {
-    return freshProduct(left, right);
+    return transformed(left, right, Multiply());
 }
 ComplexVector2 operator*(Vector2 const& left, ComplexVector2&& right) {
-    return std::move(right *= left);
+    return std::move(right) * left;
 }
 ComplexVector2 operator*(Vector2 const& left, ComplexVector2 const& right) {
     return right * left;
 }
 ComplexVector2 operator*(ComplexVectorView2 const& left, Vector2 const& right) {
-    return freshProduct(left, right);
+    return transformed(left, right, Multiply());
 }
 ComplexVector2 operator/(ComplexVector2&& left, double const& right) {
-    return std::move(left /= right);
+    return transformed(std::move(left), withRight<Divide>(right));
 }
 ComplexVector2 operator/(ComplexVector2 const& left, double const& right) {
-    return freshlyScaled<Divide>(left, right);
+    return transformed(left, withRight<Divide>(right));
 }
 ComplexVector2 operator/(double const& left, ComplexVector2&& right) {
-    divideScalar(left, right, right);
-    return std::move(right);
+    return transformed(std::move(right), ScalarOver{left});
 }
 ComplexVector2 operator/(double const& left, ComplexVector2 const& right) {
-    ComplexVector2 result = shapedAs(right);
-    divideScalar(left, right, result);
-    return result;
+    return transformed(right, ScalarOver{left});
 }
 
 } // namespace Tervane::Math

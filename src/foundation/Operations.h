@@ -54,4 +54,14 @@ struct WithLeftScalar {
     double operator()(double a) const { return Op()(scalar, a); }
 };
 
+template<class Op>
+WithRightScalar<Op> withRight(double scalar) {
+    return {scalar};
+}
+
+template<class Op>
+WithLeftScalar<Op> withLeft(double scalar) {
+    return {scalar};
+}
+
 } // namespace Tervane::Math::Detail

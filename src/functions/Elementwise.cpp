@@ -37,152 +37,122 @@ using Detail::Exponential;
 using Detail::LegacyAccess;
 using Detail::Magnitude;
 using Detail::Power;
-using Detail::RealArray;
 using Detail::Sine;
 using Detail::SquareRoot;
-using Detail::VectorData;
-
-template<class Function>
-Vector2 applied(Function f, Vector2&& x) {
-    ElementwiseDispatch::transform(x.data(), x.data() + x.length(), x.data(), f);
-    return std::move(x);
-}
-
-template<class Function>
-Vector2 applied(Function f, Vector2 const& x) {
-    Vector2 result = ContainerAccess::uninitialised(x.length(), ContainerAccess::orientation(x));
-    ElementwiseDispatch::transform(x.data(), x.data() + x.length(), result.data(), f);
-    return result;
-}
-
-template<class Function>
-Vector applied(Function f, Vector&& x) {
-    RealArray& elements = LegacyAccess::elements(x);
-    ElementwiseDispatch::transform(elements.begin(), elements.end(), elements.begin(), f);
-    return std::move(x);
-}
-
-template<class Function>
-Vector applied(Function f, Vector const& x) {
-    VectorData const& source = LegacyAccess::data(x);
-    Vector result = LegacyAccess::uninitialisedVector(source.values.length(), source.orientation);
-    ElementwiseDispatch::transform(source.values.begin(), source.values.end(),
-                                   LegacyAccess::elements(result).begin(), f);
-    return result;
-}
+using Detail::transformed;
 
 } // namespace
 
 Vector2 abs(Vector2&& x) {
-    return applied(Absolute(), std::move(x));
+    return transformed(std::move(x), Absolute());
 }
 
 Vector2 abs(Vector2 const& x) {
-    return applied(Absolute(), x);
+    return transformed(x, Absolute());
 }
 
 Vector2 sin(Vector2&& x) {
-    return applied(Sine(), std::move(x));
+    return transformed(std::move(x), Sine());
 }
 
 Vector2 sin(Vector2 const& x) {
-    return applied(Sine(), x);
+    return transformed(x, Sine());
 }
 
 Vector2 cos(Vector2&& x) {
-    return applied(Cosine(), std::move(x));
+    return transformed(std::move(x), Cosine());
 }
 
 Vector2 cos(Vector2 const& x) {
-    return applied(Cosine(), x);
+    return transformed(x, Cosine());
 }
 
 Vector2 exp(Vector2&& x) {
-    return applied(Exponential(), std::move(x));
+    return transformed(std::move(x), Exponential());
 }
 
 Vector2 exp(Vector2 const& x) {
-    return applied(Exponential(), x);
+    return transformed(x, Exponential());
 }
 
 Vector2 log10(Vector2&& x) {
-    return applied(DecimalLogarithm(), std::move(x));
+    return transformed(std::move(x), DecimalLogarithm());
 }
 
 Vector2 log10(Vector2 const& x) {
-    return applied(DecimalLogarithm(), x);
+    return transformed(x, DecimalLogarithm());
 }
 
 Vector2 sqrt(Vector2&& x) {
-    return applied(SquareRoot(), std::move(x));
+    return transformed(std::move(x), SquareRoot());
 }
 
 Vector2 sqrt(Vector2 const& x) {
-    return applied(SquareRoot(), x);
+    return transformed(x, SquareRoot());
 }
 
 Vector2 pow(Vector2&& x, int n) {
-    return applied(Power{static_cast<double>(n)}, std::move(x));
+    return transformed(std::move(x), Power{static_cast<double>(n)});
 }
 
 Vector2 pow(Vector2 const& x, int n) {
-    return applied(Power{static_cast<double>(n)}, x);
+    return transformed(x, Power{static_cast<double>(n)});
 }
 
 Vector abs(Vector&& x) {
-    return applied(Absolute(), std::move(x));
+    return transformed(std::move(x), Absolute());
 }
 
 Vector abs(Vector const& x) {
-    return applied(Absolute(), x);
+    return transformed(x, Absolute());
 }
 
 Vector sin(Vector&& x) {
-    return applied(Sine(), std::move(x));
+    return transformed(std::move(x), Sine());
 }
 
 Vector sin(Vector const& x) {
-    return applied(Sine(), x);
+    return transformed(x, Sine());
 }
 
 Vector cos(Vector&& x) {
-    return applied(Cosine(), std::move(x));
+    return transformed(std::move(x), Cosine());
 }
 
 Vector cos(Vector const& x) {
-    return applied(Cosine(), x);
+    return transformed(x, Cosine());
 }
 
 Vector exp(Vector&& x) {
-    return applied(Exponential(), std::move(x));
+    return transformed(std::move(x), Exponential());
 }
 
 Vector exp(Vector const& x) {
-    return applied(Exponential(), x);
+    return transformed(x, Exponential());
 }
 
 Vector log10(Vector&& x) {
-    return applied(DecimalLogarithm(), std::move(x));
+    return transformed(std::move(x), DecimalLogarithm());
 }
 
 Vector log10(Vector const& x) {
-    return applied(DecimalLogarithm(), x);
+    return transformed(x, DecimalLogarithm());
 }
 
 Vector sqrt(Vector&& x) {
-    return applied(SquareRoot(), std::move(x));
+    return transformed(std::move(x), SquareRoot());
 }
 
 Vector sqrt(Vector const& x) {
-    return applied(SquareRoot(), x);
+    return transformed(x, SquareRoot());
 }
 
 Vector pow(Vector&& x, int n) {
-    return applied(Power{static_cast<double>(n)}, std::move(x));
+    return transformed(std::move(x), Power{static_cast<double>(n)});
 }
 
 Vector pow(Vector const& x, int n) {
-    return applied(Power{static_cast<double>(n)}, x);
+    return transformed(x, Power{static_cast<double>(n)});
 }
 
 Vector2 abs(ComplexVector2 const& z) {

@@ -123,12 +123,10 @@ VectorView2 viewOf(Vector2 const& v) {
 
 } // namespace Detail
 
-using Detail::ContainerAccess;
-using Detail::LegacyAccess;
+using Detail::transformed;
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp) {
-    ElementwiseDispatch::transform(x.data(), x.data() + x.length(), x.data(), Detail::interpolatedIn(xp, fp));
-    return std::move(x);
+    return transformed(std::move(x), Detail::interpolatedIn(xp, fp));
 }
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
@@ -136,10 +134,7 @@ Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
 }
 
 Vector2 interp(Vector2 const& x, Vector2 const& xp, VectorView2 const& fp) {
-    Vector2 result = ContainerAccess::uninitialised(x.length(), ContainerAccess::orientation(x));
-    ElementwiseDispatch::transform(x.data(), x.data() + x.length(), result.data(),
-                                   Detail::interpolatedIn(xp, fp));
-    return result;
+    return transformed(x, Detail::interpolatedIn(xp, fp));
 }
 
 Vector2 interp(Vector2 const& x, Vector2 const& xp, Vector2 const& fp) {
@@ -151,18 +146,11 @@ double interp(double const& x, Vector2 const& xp, Vector2 const& fp) {
 }
 
 Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp) {
-    Detail::RealArray& elements = LegacyAccess::elements(x);
-    ElementwiseDispatch::transform(elements.begin(), elements.end(), elements.begin(),
-                                   Detail::interpolatedIn(xp, fp));
-    return std::move(x);
+    return transformed(std::move(x), Detail::interpolatedIn(xp, fp));
 }
 
 Vector interp(Vector const& x, Vector const& xp, ViewVector const& fp) {
-    Detail::VectorData const& source = LegacyAccess::data(x);
-    Vector result = LegacyAccess::uninitialisedVector(source.values.length(), source.orientation);
-    ElementwiseDispatch::transform(source.values.begin(), source.values.end(),
-                                   LegacyAccess::elements(result).begin(), Detail::interpolatedIn(xp, fp));
-    return result;
+    return transformed(x, Detail::interpolatedIn(xp, fp));
 }
 
 Vector interp(Vector const& x, Vector const& xp, Vector const& fp) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Transform.h"
 #include "legacy/ComplexVectorData.h"
 #include "legacy/MatrixData.h"
 #include "legacy/VectorData.h"
@@ -10,6 +11,7 @@
 #include <Math/Vector.h>
 #include <Math/ViewVector.h>
 
+#include <complex>
 #include <cstddef>
 
 namespace Tervane::Math::Detail {
@@ -79,6 +81,34 @@ private:
     static Data const& of(System::BasicObject<T> const& object) {
         return *static_cast<Data const*>(object._data());
     }
+};
+
+template<>
+struct AccessTo<Vector> {
+    static double* elements(Vector& v) { return LegacyAccess::elements(v).data(); }
+    static double const* elements(Vector const& v) { return LegacyAccess::elements(v).data(); }
+    static std::size_t length(Vector const& v) { return LegacyAccess::elements(v).length(); }
+    static Vector shapedAs(Vector const& v) {
+        return LegacyAccess::uninitialisedVector(length(v), LegacyAccess::data(v).orientation);
+    }
+};
+
+template<>
+struct AccessTo<ComplexVector> {
+    static std::complex<double>* elements(ComplexVector& z) { return LegacyAccess::elements(z).data(); }
+    static std::complex<double> const* elements(ComplexVector const& z) {
+        return LegacyAccess::elements(z).data();
+    }
+    static std::size_t length(ComplexVector const& z) { return LegacyAccess::elements(z).length(); }
+    static ComplexVector shapedAs(ComplexVector const& z) {
+        return LegacyAccess::uninitialisedComplexVector(length(z));
+    }
+};
+
+/// As a second operand: its elements are where the table says.
+template<>
+struct AccessTo<AbstractVector> {
+    static double const* elements(AbstractVector const& v) { return v.data(); }
 };
 
 } // namespace Tervane::Math::Detail

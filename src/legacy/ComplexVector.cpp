@@ -12,7 +12,14 @@ namespace Tervane::Math {
 
 namespace {
 
-using namespace Detail;
+using Detail::ComplexArray;
+using Detail::ComplexVectorData;
+using Detail::Divide;
+using Detail::LegacyAccess;
+using Detail::Multiply;
+using Detail::transformed;
+using Detail::withLeft;
+using Detail::withRight;
 
 using DataPointer = System::UniquePointer<System::ObjectData>;
 
@@ -28,27 +35,6 @@ double* partsOf(ComplexArray& elements) {
 
 double const* partsOf(ComplexArray const& elements) {
     return reinterpret_cast<double const*>(elements.data());
-}
-
-// A scalar does to both parts of an element what it would do to a real one, so the kernels for real elements
-// serve, over twice as many.
-template<class Op>
-ComplexVector inPlace(ComplexVector&& z, Op op) {
-    ComplexArray& elements = LegacyAccess::elements(z);
-    double* const parts = partsOf(elements);
-    ElementwiseDispatch::transform(parts, parts + 2 * elements.length(), parts, op);
-    return std::move(z);
-}
-
-// What a copy and the form in place would give, written in one pass.
-template<class Op>
-ComplexVector fresh(ComplexVector const& z, Op op) {
-    ComplexArray const& elements = LegacyAccess::elements(z);
-    ComplexVector result = LegacyAccess::uninitialisedComplexVector(elements.length());
-    double const* const parts = partsOf(elements);
-    ElementwiseDispatch::transform(parts, parts + 2 * elements.length(),
-                                   partsOf(LegacyAccess::elements(result)), op);
-    return result;
 }
 
 } // namespace
@@ -112,8 +98,8 @@ ComplexVector operator*(ComplexVector&& z, Vector const& v) {
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the allocation is the point
     Vector const unread(v);
     ComplexArray& elements = LegacyAccess::elements(z);
-    Kernels::independent(elements.data(), LegacyAccess::elements(v).data(), elements.data(),
-                         elements.length(), Multiply());
+    Detail::Kernels::independent(elements.data(), LegacyAccess::elements(v).data(), elements.data(),
+                                 elements.length(), Multiply());
     return std::move(z);
 }
 
@@ -134,31 +120,25 @@ ComplexVector operator*(Vector const& v, ComplexVector const& z) {
 // The operators with a scalar, which are global.
 
 ComplexVector operator*(ComplexVector&& z, double const& s) {
-    using namespace Tervane::Math::Detail;
-    return Tervane::Math::inPlace(std::move(z), WithRightScalar<Multiply>{s});
+    return Tervane::Math::transformed(std::move(z), Tervane::Math::withRight<Tervane::Math::Multiply>(s));
 }
 
 ComplexVector operator*(ComplexVector const& z, double const& s) {
-    using namespace Tervane::Math::Detail;
-    return Tervane::Math::fresh(z, WithRightScalar<Multiply>{s});
+    return Tervane::Math::transformed(z, Tervane::Math::withRight<Tervane::Math::Multiply>(s));
 }
 
 ComplexVector operator*(double const& s, ComplexVector&& z) {
-    using namespace Tervane::Math::Detail;
-    return Tervane::Math::inPlace(std::move(z), WithLeftScalar<Multiply>{s});
+    return Tervane::Math::transformed(std::move(z), Tervane::Math::withLeft<Tervane::Math::Multiply>(s));
 }
 
 ComplexVector operator*(double const& s, ComplexVector const& z) {
-    using namespace Tervane::Math::Detail;
-    return Tervane::Math::fresh(z, WithLeftScalar<Multiply>{s});
+    return Tervane::Math::transformed(z, Tervane::Math::withLeft<Tervane::Math::Multiply>(s));
 }
 
 ComplexVector operator/(ComplexVector&& z, double const& s) {
-    using namespace Tervane::Math::Detail;
-    return Tervane::Math::inPlace(std::move(z), WithRightScalar<Divide>{s});
+    return Tervane::Math::transformed(std::move(z), Tervane::Math::withRight<Tervane::Math::Divide>(s));
 }
 
 ComplexVector operator/(ComplexVector const& z, double const& s) {
-    using namespace Tervane::Math::Detail;
-    return Tervane::Math::fresh(z, WithRightScalar<Divide>{s});
+    return Tervane::Math::transformed(z, Tervane::Math::withRight<Tervane::Math::Divide>(s));
 }

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <Math/Detail/ElementArray.h>
+#include <Math/Dimensions.h>
+#include <Math/VectorOrientation.h>
+#include <System/Object.h>
+
+#include <cstddef>
+#include <utility>
+
+namespace Tervane::Math::Detail {
+
+/// What a Vector owns.
+struct VectorData final : System::ObjectData {
+    VectorData() = default;
+    VectorData(RealArray elements, VectorOrientation o) noexcept
+        : values(std::move(elements)), orientation(o) {}
+
+    RealArray values;
+    VectorOrientation orientation = Column;
+};
+
+/// What a ViewVector owns: where someone else's elements are.
+struct ViewVectorData final : System::ObjectData {
+    ViewVectorData() = default;
+    ViewVectorData(double const* p, std::size_t n, VectorOrientation o) noexcept
+        : data(p), length(n), orientation(o) {}
+
+    double const* data = nullptr;
+    std::size_t length = 0;
+    VectorOrientation orientation = Column;
+};
+
+/// What a Matrix owns: its elements column after column, and the shape that it reports.
+struct MatrixData final : System::ObjectData {
+    MatrixData() = default;
+    MatrixData(RealArray elements, Dimensions const& d) noexcept
+        : values(std::move(elements)), dimensions(d) {}
+
+    RealArray values;
+    Dimensions dimensions;
+};
+
+/// What a ComplexVector owns.
+struct ComplexVectorData final : System::ObjectData {
+    ComplexVectorData() = default;
+    explicit ComplexVectorData(ComplexArray elements) noexcept : values(std::move(elements)) {}
+
+    ComplexArray values;
+};
+
+} // namespace Tervane::Math::Detail
