@@ -1,10 +1,10 @@
 #include "Analysis.h"
 
-#include "InputFilter.h"
-
 #include <Math/Generators.h>
 #include <Math/Reductions.h>
 #include <Math/VectorView2.h>
+
+#include <common/Program.h>
 
 #include <cmath>
 
@@ -12,6 +12,7 @@ namespace ConverterEmi {
 
 namespace {
 
+using Examples::showStep;
 using Tervane::Math::VectorView2;
 using Tervane::System::guard;
 
@@ -24,8 +25,8 @@ LimitLine limitInBand(Settings const& settings, Place& place) {
     return line.within(settings.band);
 }
 
-BandSpectrum lookAtBand(Band const& range, Grid const& grid, Vector2 const& amplitude,
-                        LimitLine const& limit) {
+BandSpectrum lookAtBand(Band const& range, Grid const& grid, Vector2 const& amplitude, LimitLine const& limit,
+                        bool hasFilter) {
     // A frequency that is a bin's own belongs to the band, however its quotient was rounded.
     constexpr double rounding = 1e-6;
     auto const first = static_cast<std::size_t>(std::ceil(range.start / grid.binWidth() - rounding));
@@ -40,7 +41,8 @@ BandSpectrum lookAtBand(Band const& range, Grid const& grid, Vector2 const& ampl
         Tervane::Math::arange(static_cast<int>(first), static_cast<int>(last + 1)) / grid.duration();
     VectorView2 const inBand(amplitude.data() + first, last + 1 - first, Tervane::Math::Column);
     band.before = toDecibelMicrovolts(Vector2(inBand));
-    band.insertionLoss = insertionLoss(inputFilter(), band.frequency).value();
+    band.insertionLoss = hasFilter ? insertionLoss(inputFilter(), band.frequency).value()
+                                   : Vector2(band.frequency.length(), 0.0);
     band.after = band.before - band.insertionLoss;
     band.limit = limit.at(band.frequency);
     return band;
@@ -82,10 +84,12 @@ Expected<Analysis, ErrorCode2> analyse(Settings const& settings, Place& place) {
     // value() leaves with the first step's error, and the guard returns it as this function's own.
     return guard<Analysis>([&] {
         checkBand(settings.band).value();
+        showStep("reading the record");
         Record const record = readRecord(settings.source, place).value();
 
         Analysis analysis;
         analysis.recordLength = record.time.length();
+        showStep("transforming");
         analysis.unit = record.isCurrent ? "A" : "V";
         analysis.grid =
             chooseGrid(record.time, settings.switchingFrequency, settings.band.stop, settings.samples, place)
@@ -98,14 +102,18 @@ Expected<Analysis, ErrorCode2> analyse(Settings const& settings, Place& place) {
         Vector2 const window = makeWindow(settings.window, analysis.grid.samples);
         Spectrum const spectrum = computeSpectrum(analysis.signal * voltsPerUnit, window).value();
 
+        showStep("solving the input filter");
+        analysis.hasFilter = record.circuit == filteredCircuit;
         analysis.limit = limitInBand(settings, place);
-        analysis.band = lookAtBand(settings.band, analysis.grid, spectrum.amplitude, analysis.limit);
+        analysis.band =
+            lookAtBand(settings.band, analysis.grid, spectrum.amplitude, analysis.limit, analysis.hasFilter);
         analysis.harmonics =
             findHarmonics(settings.switchingFrequency, analysis.grid, spectrum.amplitude, analysis.band);
         if (analysis.harmonics.empty()) {
             throw Tervane::System::SystemError(Failure::NoHarmonicInBand);
         }
         if (record.capacitor) {
+            showStep("fitting the capacitor");
             analysis.capacitor = analyseCapacitor(settings, record, analysis.grid, window, place);
         }
         return analysis;

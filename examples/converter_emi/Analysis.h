@@ -3,12 +3,11 @@
 /// @file
 /// The whole chain from a record to margins and a capacitor's model.
 
-#include "CapacitorFit.h"
+#include "Circuit.h"
+#include "Emission.h"
 #include "Failure.h"
-#include "LimitLine.h"
-#include "Resampling.h"
+#include "Record.h"
 #include "Settings.h"
-#include "Spectrum.h"
 
 #include <cstddef>
 #include <optional>
@@ -21,8 +20,8 @@ struct BandSpectrum {
     std::size_t firstBin = 0; ///< the transform's bin that element 0 stands for
     Vector2 frequency;        ///< Hz
     Vector2 before;           ///< dBuV, without the input filter
-    Vector2 insertionLoss;    ///< dB
-    Vector2 after;            ///< dBuV, behind the input filter
+    Vector2 insertionLoss;    ///< dB, of the input filter; 0 without one
+    Vector2 after;            ///< dBuV, past the input filter
     Vector2 limit;            ///< dBuV
 };
 
@@ -32,8 +31,8 @@ struct Harmonic {
     double frequency;     ///< Hz
     double amplitude;     ///< V, peak value without the input filter
     double before;        ///< dBuV, without the input filter
-    double insertionLoss; ///< dB
-    double after;         ///< dBuV, behind the input filter
+    double insertionLoss; ///< dB, of the input filter; 0 without one
+    double after;         ///< dBuV, past the input filter
     double limit;         ///< dBuV
 
     double marginBefore() const { return limit - before; } ///< dB, negative when the limit is exceeded
@@ -54,7 +53,8 @@ struct Analysis {
     char const* unit = "V"; ///< of the signal: V or A
     double mean = 0.0;
     RoundTrip roundTrip;
-    LimitLine limit; ///< in the band
+    bool hasFilter = false; ///< whether the record is of the circuit that the input filter belongs to
+    LimitLine limit;        ///< in the band
     BandSpectrum band;
     std::vector<Harmonic> harmonics; ///< in the band, in ascending order; never empty
     std::optional<CapacitorAnalysis> capacitor;

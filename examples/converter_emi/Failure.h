@@ -1,31 +1,20 @@
 #pragma once
 
 /// @file
-/// How a step of this program fails: with an error value of the library's kind, and a place to go with it.
-///
-/// The program has errors of its own beside the library's. It makes them part of the same system by an
-/// enumeration, a category that gives each enumerator a text, and a specialisation of
-/// `ErrorCodeEnumConstructor`; from then on an enumerator can be returned wherever an `Expected` is.
+/// What can go wrong in this program beside files: errors of its own, of the library's kind.
 
-#include <System/System.h>
+#include <common/Failure.h>
 
-#include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace ConverterEmi {
 
+using Examples::Place;
 using Tervane::System::ErrorCode2;
 using Tervane::System::Expected;
 
-/// What can be wrong with the input, the settings or the output.
+/// What can be wrong with the record or the settings.
 enum class Failure : std::int32_t {
-    FileNotReadable,
-    FileEmpty,
-    LineMalformed,
-    ColumnMissing,
-    FieldMissing,
-    FieldNotNumber,
     SampleIntervalMissing,
     SampleIntervalNotPositive,
     TimeNotIncreasing,
@@ -36,24 +25,28 @@ enum class Failure : std::int32_t {
     NoHarmonicInBand,
     BandBeyondLimit,
     NoCapacitorCurrent,
-    FileNotWritable,
-    PlotNotDrawn,
 };
-
-/// The place of a failure in a file, as far as it is known. A step that fails fills it in.
-struct Place {
-    std::string file;
-    std::size_t line = 0;   ///< counted from 1; 0 when the failure belongs to no line
-    std::size_t column = 0; ///< number of the field in its line, counted from 1; 0 when it belongs to none
-    std::string detail;     ///< what stands there, or by how much it misses
-};
-
-/// One line for a person: "file:line:column: message (detail)", with those parts that are known.
-std::string describe(Place const& place, ErrorCode2 const& error);
 
 } // namespace ConverterEmi
 
+/// Lets a Failure be returned wherever an `Expected` is.
 template<>
 struct Tervane::System::ErrorCodeEnumConstructor<ConverterEmi::Failure> {
-    Tervane::System::ErrorCode2 operator()(ConverterEmi::Failure failure) const;
+    Tervane::System::ErrorCode2 operator()(ConverterEmi::Failure failure) const {
+        // In the order of the enumerators.
+        static Examples::TextCategory const category(
+            "converter-emi", {
+                                 u8"neither the time column nor a comment 'sample_interval_s' is there",
+                                 u8"sample interval is not positive",
+                                 u8"time does not increase",
+                                 u8"frequencies are not positive and in ascending order",
+                                 u8"too few samples",
+                                 u8"too many samples",
+                                 u8"record is shorter than one switching period",
+                                 u8"no harmonic of the switching frequency lies in the band",
+                                 u8"band reaches beyond the limit line",
+                                 u8"capacitor current has no part at a harmonic of the switching frequency",
+                             });
+        return ErrorCode2(static_cast<int>(failure), category);
+    }
 };

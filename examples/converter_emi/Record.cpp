@@ -1,16 +1,20 @@
 #include "Record.h"
 
-#include "CsvTable.h"
-
 #include <Math/Generators.h>
+#include <Math/Interpolation.h>
 
+#include <common/CsvTable.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 
 namespace ConverterEmi {
 
 namespace {
+
+using Examples::CsvTable;
 
 // Fewer samples than this are no waveform; more do not fit the library's 32-bit ranges and windows.
 constexpr std::size_t fewestSamples = 16;
@@ -28,7 +32,7 @@ Expected<Vector2, ErrorCode2> timesFromComment(CsvTable const& table, std::strin
         place.detail = fmt::format("no '{}'", timeColumn);
         return Failure::SampleIntervalMissing;
     }
-    auto const interval = parseNumber(comment->second);
+    auto const interval = Examples::parseNumber(comment->second);
     place.detail = fmt::format("sample_interval_s: '{}'", comment->second);
     if (!interval) {
         return interval.error();
@@ -51,24 +55,25 @@ Expected<void, ErrorCode2> checkIncreasing(CsvTable const& table, std::vector<do
     return Failure::TimeNotIncreasing;
 }
 
+constexpr double samplesPerPeriodOfHighest = 16.0;
+
 } // namespace
 
 Expected<Record, ErrorCode2> readRecord(RecordSource const& source, Place& place) {
-    auto const header = readCsvHeader(source.file, place);
-    if (!header) {
-        return header.error();
-    }
-    bool const hasTime = std::ranges::find(*header, source.timeColumn) != header->end();
+    bool hasTime = false;
     bool const hasCapacitor = !source.voltageColumn.empty();
-
-    std::vector<std::string> names{source.signalColumn};
-    if (hasCapacitor) {
-        names.insert(names.end(), {source.voltageColumn, source.currentColumn});
-    }
-    if (hasTime) {
-        names.push_back(source.timeColumn);
-    }
-    auto const table = readCsv(source.file, names, place);
+    auto const chooseColumns = [&](std::vector<std::string> const& header) {
+        std::vector<std::string> names{source.signalColumn};
+        if (hasCapacitor) {
+            names.insert(names.end(), {source.voltageColumn, source.currentColumn});
+        }
+        hasTime = std::ranges::find(header, source.timeColumn) != header.end();
+        if (hasTime) {
+            names.push_back(source.timeColumn);
+        }
+        return names;
+    };
+    auto const table = Examples::readCsv(source.file, chooseColumns, place);
     if (!table) {
         return table.error();
     }
@@ -96,10 +101,60 @@ Expected<Record, ErrorCode2> readRecord(RecordSource const& source, Place& place
     }
     record.signal = toVector(table->columns[0]);
     record.isCurrent = source.signalColumn.ends_with("_A");
+    if (auto const circuit = table->comments.find("circuit"); circuit != table->comments.end()) {
+        record.circuit = circuit->second;
+    }
     if (hasCapacitor) {
         record.capacitor = CapacitorRecord{toVector(table->columns[1]), toVector(table->columns[2])};
     }
     return record;
+}
+
+Vector2 Grid::times() const {
+    return Tervane::Math::arange(static_cast<int>(samples)) * interval + start;
+}
+
+Expected<Grid, ErrorCode2> chooseGrid(Vector2 const& time, double switchingFrequency, double highestFrequency,
+                                      std::optional<std::size_t> samples, Place& place) {
+    if (switchingFrequency > highestFrequency) {
+        return Failure::NoHarmonicInBand;
+    }
+    // The last sample stands for the interval up to the next one, so n samples cover n intervals.
+    double const covered = time.back() - time.front();
+    double const lastInterval = covered / static_cast<double>(time.length() - 1);
+    // Times are decimal numbers: a record of exactly n periods must not lose one to their rounding.
+    double const periods = std::floor((covered + lastInterval) * switchingFrequency + 1e-6);
+    if (!(periods >= 1.0)) {
+        place.detail = fmt::format("{:g} s at {:g} Hz", covered, switchingFrequency);
+        return Failure::LessThanOnePeriod;
+    }
+    double const duration = periods / switchingFrequency;
+
+    double const samplesInDuration = duration / lastInterval;
+    double const fewest = 2.0 * highestFrequency * duration;
+    if (!(samplesInDuration >= fewest)) {
+        place.detail = fmt::format("{:.0f} in {:g} s, but {:g} Hz needs {:.0f} or more", samplesInDuration,
+                                   duration, highestFrequency, fewest);
+        return Failure::TooFewSamples;
+    }
+    if (!samples) {
+        double const enough = samplesPerPeriodOfHighest * highestFrequency * duration;
+        samples = std::bit_ceil(static_cast<std::size_t>(std::ceil(std::max(enough, samplesInDuration))));
+    } else if (static_cast<double>(*samples) < fewest) {
+        place.detail =
+            fmt::format("{} chosen, but {:g} Hz needs {:.0f} or more", *samples, highestFrequency, fewest);
+        return Failure::TooFewSamples;
+    }
+    if (*samples > mostSamples) {
+        place.detail = fmt::format("{}", *samples);
+        return Failure::TooManySamples;
+    }
+    return Grid{time.front(), duration / static_cast<double>(*samples), *samples,
+                static_cast<std::size_t>(periods)};
+}
+
+Vector2 resample(Grid const& grid, Vector2 const& time, Vector2 const& values) {
+    return Tervane::Math::interp(grid.times(), time, values);
 }
 
 } // namespace ConverterEmi

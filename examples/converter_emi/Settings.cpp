@@ -1,10 +1,7 @@
 #include "Settings.h"
 
-#include "CsvTable.h"
+#include <common/Options.h>
 
-#include <CLI/CLI.hpp>
-
-#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -13,39 +10,17 @@ namespace ConverterEmi {
 
 namespace {
 
-using Tervane::Math::AlgorithmExecutionPolicy;
+using Examples::isPositive;
 
 std::map<std::string, WindowKind> const windows{{"none", WindowKind::None},
                                                 {"hann", WindowKind::Hann},
                                                 {"hamming", WindowKind::Hamming},
                                                 {"blackman", WindowKind::Blackman}};
 
-std::map<std::string, AlgorithmExecutionPolicy> const policies{
-    {"inline", Tervane::Math::Inline},
-    {"parallel", Tervane::Math::Parallel},
-    {"parallel-unsequenced", Tervane::Math::ParallelUnsequenced},
-    {"sequenced", Tervane::Math::Sequenced}};
-
-/// Empty when @p text is a positive number; else what is wrong with it.
-std::string isPositive(std::string const& text) {
-    auto const number = parseNumber(text);
-    return number && *number > 0.0 ? "" : "'" + text + "' is not a positive number";
-}
-
-template<class Value>
-char const* nameIn(std::map<std::string, Value> const& names, Value value) {
-    auto const found = std::ranges::find(names, value, &std::pair<std::string const, Value>::second);
-    return found == names.end() ? "?" : found->first.c_str();
-}
-
 } // namespace
 
 char const* nameOf(WindowKind window) {
-    return nameIn(windows, window);
-}
-
-char const* nameOf(AlgorithmExecutionPolicy policy) {
-    return nameIn(policies, policy);
+    return Examples::nameIn(windows, window);
 }
 
 CommandLine parseCommandLine(int argc, char const* const* argv) {
@@ -59,13 +34,13 @@ CommandLine parseCommandLine(int argc, char const* const* argv) {
     CLI::App app{
         "Conducted emissions of a switching converter: spectrum, limit line, input filter and output "
         "capacitor, from a simulated or measured record."};
-    app.option_defaults()->always_capture_default()->take_last();
-    app.get_formatter()->column_width(34);
+    Examples::setStyle(app);
 
     app.add_option(
            "input", source.file,
-           "CSV file with named columns. Lines that start with # are comments. Without the time column, "
-           "a comment '# sample_interval_s,SECONDS' says how far apart the rows are.")
+           "CSV file with named columns; /dev/stdin works, too. Lines that start with # are comments. "
+           "Without "
+           "the time column, a comment '# sample_interval_s,SECONDS' says how far apart the rows are.")
         ->required()
         ->type_name("FILE");
     app.add_option("--time", source.timeColumn, "Column of times in s, increasing in steps of any size")
@@ -108,23 +83,10 @@ CommandLine parseCommandLine(int argc, char const* const* argv) {
                    "Output capacitor's capacitance at DC in F, which the second fit holds exactly")
         ->check(isPositive, "")
         ->type_name("F");
-    app.add_option(
-           "--policy", settings.policy,
-           "How the library's loops run: inline, parallel, parallel-unsequenced or sequenced; the results "
-           "are the same")
-        ->transform(CLI::CheckedTransformer(policies).description(""))
-        ->default_str(nameOf(settings.policy))
-        ->type_name("POLICY");
-    app.add_option("--output", settings.output, "Folder for the CSV files and plots")->type_name("FOLDER");
-    app.add_flag("!--no-plots", settings.plots, "Write the CSV files only; needs no gnuplot");
+    Examples::addProgramOptions(app, settings.program);
     app.footer("The exit code is 0 when the analysis was done, whatever its verdict.");
 
-    try {
-        app.parse(argc, argv);
-    } catch (CLI::ParseError const& error) {
-        commandLine.exitCode = app.exit(error);
-        return commandLine;
-    }
+    commandLine.exitCode = Examples::parse(app, argc, argv);
     if (!capacitorColumns.empty()) {
         source.voltageColumn = capacitorColumns[0];
         source.currentColumn = capacitorColumns[1];

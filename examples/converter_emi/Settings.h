@@ -3,11 +3,10 @@
 /// @file
 /// What the user can choose, and the command line that says it.
 
-#include "LimitLine.h"
+#include "Emission.h"
 #include "Record.h"
-#include "Spectrum.h"
 
-#include <Math/ExecutionPolicy.h>
+#include <common/Program.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -24,9 +23,7 @@ struct Settings {
     std::optional<std::size_t> samples;             ///< of the resampled record; chosen when absent
     std::size_t fitHarmonics = 5;                   ///< whose impedances the capacitor fit uses
     double dcCapacitance = 22e-6;                   ///< F, of the output capacitor
-    Tervane::Math::AlgorithmExecutionPolicy policy = Tervane::Math::ParallelUnsequenced;
-    std::filesystem::path output = "output/converter_emi";
-    bool plots = true;
+    Examples::ProgramSettings program{.output = "output/converter_emi"};
 };
 
 /// What the command line asks for: to go on with these settings, or to end at once with this exit code (after
@@ -40,7 +37,5 @@ CommandLine parseCommandLine(int argc, char const* const* argv);
 
 /// The name of a window on the command line and in the report.
 char const* nameOf(WindowKind window);
-/// The name of an execution policy on the command line and in the report.
-char const* nameOf(Tervane::Math::AlgorithmExecutionPolicy policy);
 
 } // namespace ConverterEmi

@@ -315,9 +315,20 @@ TEST_F(ConverterEmiProgram, RefusesAFieldThatIsNoNumber) {
 
 TEST_F(ConverterEmiProgram, IgnoresColumnsThatNobodyAskedFor) {
     auto lines = goodTable();
+    lines[0] += ",note";
     lines[17] += ",a note";
     writeTable(lines);
     EXPECT_EQ(runOnTable().exitCode, 0);
+}
+
+TEST_F(ConverterEmiProgram, RefusesADecimalComma) {
+    auto lines = goodTable();
+    lines[17] = "1,6e-4,1";
+    writeTable(lines);
+    expectRefusal(
+        runOnTable(),
+        table().string()
+            + ":18: line has more fields than the header, as a decimal comma makes it (3 instead of 2)");
 }
 
 TEST_F(ConverterEmiProgram, RefusesALineThatEndsTooEarly) {

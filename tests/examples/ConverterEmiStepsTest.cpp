@@ -6,13 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <Analysis.h>
-#include <CapacitorFit.h>
-#include <InputFilter.h>
-#include <LimitLine.h>
-#include <OutputFolder.h>
-#include <Report.h>
-#include <Resampling.h>
-#include <Spectrum.h>
+#include <Circuit.h>
+#include <Emission.h>
+#include <Results.h>
+#include <common/OutputFolder.h>
 
 #include <algorithm>
 #include <cmath>
@@ -330,14 +327,14 @@ TEST(EmiOutputFolder, WithoutCommitNothingStays) {
     fs::path const root = pattern;
     Place place;
     {
-        OutputFolder folder(root / "a" / "b");
+        Examples::OutputFolder folder(root / "a" / "b", {});
         ASSERT_TRUE(folder.open(place));
         ASSERT_TRUE(folder.write("x.csv", "1\n", place));
         EXPECT_FALSE(fs::exists(root / "a" / "b" / "x.csv"));
     }
     EXPECT_FALSE(fs::exists(root / "a"));
     {
-        OutputFolder folder(root / "a" / "b");
+        Examples::OutputFolder folder(root / "a" / "b", {});
         ASSERT_TRUE(folder.open(place));
         ASSERT_TRUE(folder.write("x.csv", "1\n", place));
         ASSERT_TRUE(folder.commit(place));

@@ -1,16 +1,14 @@
 #include "CsvTable.h"
 
 #include <csv.h>
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <fstream>
-#include <memory>
 #include <optional>
 
-namespace ConverterEmi {
+namespace Examples {
 
 namespace {
 
@@ -50,7 +48,7 @@ public:
         place = {file.string(), 0, 0, {}};
         _stream.open(file);
         if (!_stream || std::filesystem::is_directory(file)) {
-            return Failure::FileNotReadable;
+            return FileFailure::FileNotReadable;
         }
         auto const found = nextRow(header, place);
         if (!found) {
@@ -58,16 +56,20 @@ public:
         }
         if (!*found) {
             place.line = 0;
-            return Failure::FileEmpty;
+            return FileFailure::FileEmpty;
         }
         return {};
     }
 
     /// Reads the next line that holds a row; false at the end of the file.
     Expected<bool, ErrorCode2> nextRow(std::vector<std::string>& fields, Place& place) {
+        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
         std::string line;
         while (std::getline(_stream, line)) {
             place.line = ++_line;
+            if (_line == 1 && line.starts_with(byteOrderMark)) {
+                line.erase(0, byteOrderMark.size());
+            }
             if (line.starts_with('#')) {
                 noteComment(line);
                 continue;
@@ -77,13 +79,13 @@ public:
             }
             auto split = _splitter.split(line);
             if (!split) {
-                return Failure::LineMalformed;
+                return FileFailure::LineMalformed;
             }
             fields = std::move(*split);
             return true;
         }
         if (_stream.bad()) {
-            return Failure::FileNotReadable;
+            return FileFailure::FileNotReadable;
         }
         return false;
     }
@@ -104,6 +106,47 @@ private:
     std::size_t _line = 0;
 };
 
+/// Where each of @p names stands in the header.
+Expected<std::vector<std::size_t>, ErrorCode2>
+findColumns(std::vector<std::string> const& header, std::vector<std::string> const& names, Place& place) {
+    std::vector<std::size_t> positions;
+    for (std::string const& name : names) {
+        auto const found = std::ranges::find(header, name);
+        if (found == header.end()) {
+            place.detail = fmt::format("no '{}' among: {}", name, fmt::join(header, ", "));
+            return FileFailure::ColumnMissing;
+        }
+        positions.push_back(static_cast<std::size_t>(found - header.begin()));
+    }
+    return positions;
+}
+
+/// Appends one row's numbers to the columns.
+Expected<void, ErrorCode2> takeRow(std::vector<std::string> const& fields, std::size_t width,
+                                   std::vector<std::size_t> const& positions, CsvTable& table, Place& place) {
+    if (fields.size() > width) {
+        place.detail = fmt::format("{} instead of {}", fields.size(), width);
+        return FileFailure::FieldSurplus;
+    }
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        place.column = positions[i] + 1;
+        if (positions[i] >= fields.size()) {
+            place.detail = table.names[i];
+            return FileFailure::FieldMissing;
+        }
+        std::string const& field = fields[positions[i]];
+        auto const number = parseNumber(field);
+        if (!number) {
+            place.detail = fmt::format("{}: '{}'", table.names[i], field);
+            return number.error();
+        }
+        table.columns[i].push_back(*number);
+    }
+    place.column = 0;
+    table.lines.push_back(place.line);
+    return {};
+}
+
 } // namespace
 
 Expected<double, ErrorCode2> parseNumber(std::string const& text) {
@@ -111,65 +154,48 @@ Expected<double, ErrorCode2> parseNumber(std::string const& text) {
     char const* const end = text.data() + text.size();
     auto const [stop, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc() || stop != end || !std::isfinite(number)) {
-        return Failure::FieldNotNumber;
+        return FileFailure::FieldNotNumber;
     }
     return number;
 }
 
-Expected<std::vector<std::string>, ErrorCode2> readCsvHeader(std::filesystem::path const& file,
-                                                             Place& place) {
-    CsvFile table;
-    if (auto const opened = table.open(file, place); !opened) {
+Expected<CsvTable, ErrorCode2>
+readCsv(std::filesystem::path const& file,
+        std::function<std::vector<std::string>(std::vector<std::string> const& header)> const& choose,
+        Place& place) {
+    CsvFile csv;
+    if (auto const opened = csv.open(file, place); !opened) {
         return opened.error();
     }
-    return table.header;
-}
-
-Expected<CsvTable, ErrorCode2> readCsv(std::filesystem::path const& file,
-                                       std::vector<std::string> const& names, Place& place) {
-    CsvFile table;
-    if (auto const opened = table.open(file, place); !opened) {
-        return opened.error();
+    CsvTable table;
+    table.names = choose(csv.header);
+    table.columns.resize(table.names.size());
+    table.comments = csv.comments;
+    auto const positions = findColumns(csv.header, table.names, place);
+    if (!positions) {
+        return positions.error();
     }
 
-    std::vector<std::size_t> positions;
-    for (std::string const& name : names) {
-        auto const found = std::ranges::find(table.header, name);
-        if (found == table.header.end()) {
-            place.detail = fmt::format("no '{}' among: {}", name, fmt::join(table.header, ", "));
-            return Failure::ColumnMissing;
-        }
-        positions.push_back(static_cast<std::size_t>(found - table.header.begin()));
-    }
-
-    CsvTable result{std::vector<std::vector<double>>(names.size()), {}, table.comments};
     std::vector<std::string> fields;
     while (true) {
-        auto const found = table.nextRow(fields, place);
+        auto const found = csv.nextRow(fields, place);
         if (!found) {
             return found.error();
         }
         if (!*found) {
             place.line = 0;
-            return result;
+            return table;
         }
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            place.column = positions[i] + 1;
-            if (positions[i] >= fields.size()) {
-                place.detail = names[i];
-                return Failure::FieldMissing;
-            }
-            std::string const& field = fields[positions[i]];
-            auto const number = parseNumber(field);
-            if (!number) {
-                place.detail = fmt::format("{}: '{}'", names[i], field);
-                return number.error();
-            }
-            result.columns[i].push_back(*number);
+        if (auto const taken = takeRow(fields, csv.header.size(), *positions, table, place); !taken) {
+            return taken.error();
         }
-        place.column = 0;
-        result.lines.push_back(place.line);
     }
 }
 
-} // namespace ConverterEmi
+Expected<CsvTable, ErrorCode2> readCsv(std::filesystem::path const& file,
+                                       std::vector<std::string> const& names, Place& place) {
+    return readCsv(
+        file, [&](auto const&) { return names; }, place);
+}
+
+} // namespace Examples

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The report on the terminal.
+/// What the program hands out: a report on the terminal, tables and plots.
 
 #include "Analysis.h"
 #include "Settings.h"
@@ -10,6 +10,10 @@
 #include <vector>
 
 namespace ConverterEmi {
+
+/// Writes all files of a run into the output folder, or none, and returns their names.
+Expected<std::vector<std::string>, ErrorCode2> writeResults(Settings const& settings,
+                                                            Analysis const& analysis, Place& place);
 
 /// The whole report: at most 60 lines, every number with its unit.
 ///

@@ -1,19 +1,29 @@
-#include "LimitLine.h"
-
-#include "CsvTable.h"
+#include "Emission.h"
 
 #include <Math/Elementwise.h>
 #include <Math/Errors.h>
+#include <Math/FFT.h>
 #include <Math/Interpolation.h>
+#include <Math/Reductions.h>
+#include <Math/Window.h>
 
+#include <common/CsvTable.h>
 #include <fmt/format.h>
 
 #include <array>
+#include <numbers>
 #include <vector>
 
 namespace ConverterEmi {
 
 namespace {
+
+using Tervane::Math::Vector;
+
+/// The first @p length elements of a vector of the legacy generation, which the windows are.
+Vector2 toVector2(Vector const& values, std::size_t length) {
+    return Vector2(values.data(), length);
+}
 
 constexpr double lowestFrequency = 9e3;
 
@@ -23,6 +33,54 @@ Vector2 toVector(std::array<double, n> const& values) {
 }
 
 } // namespace
+
+Vector2 makeWindow(WindowKind kind, std::size_t length) {
+    namespace Window = Tervane::Math::SignalProcessing::Window;
+    int const n = static_cast<int>(length);
+    switch (kind) {
+    case WindowKind::Hann:
+        // There is no periodic form of this one, so the last of n + 1 points is left out here.
+        return toVector2(Window::hann(n + 1), length);
+    case WindowKind::Hamming:
+        return toVector2(Window::hamming(n, false), length);
+    case WindowKind::Blackman:
+        return toVector2(Window::blackman(n, false), length);
+    case WindowKind::None:
+        break;
+    }
+    return Vector2(length, 1.0);
+}
+
+Expected<Spectrum, ErrorCode2> computeSpectrum(Vector2 const& samples, Vector2 const& window) {
+    using namespace Tervane::Math;
+    auto bins = FFT::fft_real((samples - mean(samples)) * window);
+    if (!bins) {
+        return bins.error();
+    }
+    double const coherentGain = mean(window);
+    *bins *= 2.0 / (coherentGain * static_cast<double>(samples.length()));
+    Vector2 amplitude = abs(*bins);
+    return Spectrum{std::move(*bins), std::move(amplitude)};
+}
+
+Vector2 toDecibelMicrovolts(Vector2 const& amplitude) {
+    constexpr double microvolt = 1e-6;
+    return 20.0 * Tervane::Math::log10(amplitude / (std::numbers::sqrt2 * microvolt));
+}
+
+Expected<RoundTrip, ErrorCode2> rebuild(Vector2 const& samples) {
+    using namespace Tervane::Math;
+    auto const bins = FFT::fft_real(samples);
+    if (!bins) {
+        return bins.error();
+    }
+    auto rebuilt = FFT::ifft_real(*bins, samples.length());
+    if (!rebuilt) {
+        return rebuilt.error();
+    }
+    double const largestError = max(abs(*rebuilt - samples));
+    return RoundTrip{std::move(*rebuilt), largestError};
+}
 
 Expected<void, ErrorCode2> checkBand(Band const& band) {
     // Written so that a NaN fails too.
@@ -48,14 +106,14 @@ LimitLine LimitLine::builtIn(Band const& band) {
 }
 
 Expected<LimitLine, ErrorCode2> LimitLine::read(std::filesystem::path const& file, Place& place) {
-    auto const table = readCsv(file, {"frequency_Hz", "limit_dBuV"}, place);
+    auto const table = Examples::readCsv(file, {"frequency_Hz", "limit_dBuV"}, place);
     if (!table) {
         return table.error();
     }
     auto const& frequency = table->columns[0];
     auto const& level = table->columns[1];
     if (frequency.empty()) {
-        return Failure::FileEmpty;
+        return Examples::FileFailure::FileEmpty;
     }
     for (std::size_t i = 0; i < frequency.size(); ++i) {
         if (frequency[i] <= 0.0 || (i > 0 && frequency[i] < frequency[i - 1])) {
