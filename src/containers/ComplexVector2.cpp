@@ -1,6 +1,6 @@
 #include "containers/Access.h"
 #include "containers/TextForm.h"
-#include "foundation/VectorShape.h"
+#include "foundation/Shapes.h"
 
 #include <Math/ComplexVector2.h>
 #include <Math/Errors.h>

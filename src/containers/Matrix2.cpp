@@ -1,4 +1,4 @@
-#include "foundation/ElementCount.h"
+#include "foundation/Shapes.h"
 
 #include <Math/Matrix2.h>
 

@@ -1,8 +1,8 @@
 #include "containers/Access.h"
 #include "containers/TextForm.h"
 #include "foundation/ElementwiseDispatch.h"
+#include "foundation/Shapes.h"
 #include "foundation/SliceResolution.h"
-#include "foundation/VectorShape.h"
 
 #include <Math/Vector2.h>
 #include <System/Guard.h>

@@ -1,4 +1,4 @@
-#include "foundation/VectorShape.h"
+#include "foundation/Shapes.h"
 
 #include <Math/Matrix2.h>
 #include <Math/VectorView2.h>

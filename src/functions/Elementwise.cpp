@@ -10,22 +10,6 @@
 
 namespace Tervane::Math {
 
-namespace Detail {
-
-// Short enough to be in the first-level cache when the roots are taken after the signs were looked at, and
-// for one negative element not to slow many down.
-constexpr std::size_t squareRootBlock = 256;
-
-void SquareRoot::operator()(double const* in, double* out, std::size_t n) const noexcept {
-    for (std::size_t i = 0; i < n; i += squareRootBlock) {
-        std::size_t const count = std::min(squareRootBlock, n - i);
-        if (!Kernels::squareRootsUnlessNegative(in + i, out + i, count))
-            Kernels::inOrder(in + i, out + i, count, *this);
-    }
-}
-
-} // namespace Detail
-
 namespace {
 
 using Detail::Absolute;
@@ -41,7 +25,19 @@ using Detail::Sine;
 using Detail::SquareRoot;
 using Detail::transformed;
 
+// Short enough to be in the first-level cache when the roots are taken after the signs were looked at, and
+// for one negative element not to slow many down.
+constexpr std::size_t squareRootBlock = 256;
+
 } // namespace
+
+void Detail::SquareRoot::operator()(double const* in, double* out, std::size_t n) const noexcept {
+    for (std::size_t i = 0; i < n; i += squareRootBlock) {
+        std::size_t const count = std::min(squareRootBlock, n - i);
+        if (!Kernels::squareRootsUnlessNegative(in + i, out + i, count))
+            Kernels::inOrder(in + i, out + i, count, *this);
+    }
+}
 
 Vector2 abs(Vector2&& x) {
     return transformed(std::move(x), Absolute());

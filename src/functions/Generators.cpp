@@ -1,6 +1,7 @@
+#include "functions/Generators.h"
+
 #include "containers/Access.h"
 #include "foundation/Multiversion.h"
-#include "legacy/Access.h"
 
 #include <Math/Generators.h>
 
@@ -9,32 +10,29 @@
 
 namespace Tervane::Math {
 
-namespace Detail {
-
 namespace {
 
-std::size_t arangeLength(int start, int stop) noexcept {
-    // Unsigned, because the distance is a 32-bit number that wraps.
-    auto const distance =
-        static_cast<std::int32_t>(static_cast<std::uint32_t>(stop) - static_cast<std::uint32_t>(start));
-    return distance > 0 ? static_cast<std::size_t>(distance) : 0;
-}
-
-} // namespace
-
-namespace Kernels {
-
-namespace {
-
-TVNMATH_MULTIVERSION void arange(int start, double* out, std::size_t n) noexcept {
+TVNMATH_MULTIVERSION void countUp(int start, double* out, std::size_t n) noexcept {
     for (std::size_t i = 0; i < n; ++i) {
         auto const wrapped = static_cast<std::uint32_t>(start) + static_cast<std::uint32_t>(i);
         out[i] = static_cast<double>(static_cast<std::int32_t>(wrapped));
     }
 }
 
+} // namespace
+
+std::size_t Detail::arangeLength(int start, int stop) noexcept {
+    auto const distance =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(stop) - static_cast<std::uint32_t>(start));
+    return distance > 0 ? static_cast<std::size_t>(distance) : 0;
+}
+
+void Detail::Kernels::arange(int start, double* out, std::size_t n) noexcept {
+    countUp(start, out, n);
+}
+
 // The order of the first two writes decides what a single point is.
-void linspace(double start, double stop, double* out, std::size_t n) noexcept {
+void Detail::Kernels::linspace(double start, double stop, double* out, std::size_t n) noexcept {
     if (n == 0)
         return;
     out[0] = start;
@@ -46,15 +44,6 @@ void linspace(double start, double stop, double* out, std::size_t n) noexcept {
         out[i] = value;
     }
 }
-
-} // namespace
-
-} // namespace Kernels
-
-} // namespace Detail
-
-using Detail::ContainerAccess;
-using Detail::LegacyAccess;
 
 Vector2 zeros(std::size_t n) {
     return Vector2(n);
@@ -69,31 +58,14 @@ Vector2 arange(int stop) {
 }
 
 Vector2 arange(int start, int stop) {
-    Vector2 result = ContainerAccess::uninitialised(Detail::arangeLength(start, stop), Column);
+    Vector2 result = Detail::ContainerAccess::uninitialised(Detail::arangeLength(start, stop), Column);
     Detail::Kernels::arange(start, result.data(), result.length());
     return result;
 }
 
 Vector2 linspace(double const& start, double const& stop, std::size_t n) {
-    Vector2 result = ContainerAccess::uninitialised(n, Column);
+    Vector2 result = Detail::ContainerAccess::uninitialised(n, Column);
     Detail::Kernels::linspace(start, stop, result.data(), n);
-    return result;
-}
-
-Vector Vector::arange(int stop) {
-    return arange(0, stop);
-}
-
-Vector Vector::arange(int start, int stop) {
-    Vector result = LegacyAccess::uninitialisedVector(Detail::arangeLength(start, stop));
-    Detail::RealArray& elements = LegacyAccess::elements(result);
-    Detail::Kernels::arange(start, elements.data(), elements.length());
-    return result;
-}
-
-Vector Vector::linspace(double const& start, double const& stop, std::size_t n) {
-    Vector result = LegacyAccess::uninitialisedVector(n);
-    Detail::Kernels::linspace(start, stop, LegacyAccess::elements(result).data(), n);
     return result;
 }
 

@@ -11,19 +11,14 @@
 
 namespace Tervane::Math {
 
-namespace Detail {
-
 namespace {
+
+using Detail::ElementCost;
+using Detail::transformed;
 
 /// How many queries walk down the table side by side. One alone waits for a load at every step; the others
 /// fill that time.
 constexpr std::size_t queriesAtOnce = 16;
-
-} // namespace
-
-namespace Kernels {
-
-namespace {
 
 // For each query the first index whose breakpoint is not below it, m if there is none. All of them halve the
 // same number of candidates at every step, so there is nothing for the processor to mispredict, and where it
@@ -40,12 +35,6 @@ TVNMATH_MULTIVERSION void lowerBounds(double const* breakpoints, std::size_t m, 
     for (std::size_t q = 0; q < queriesAtOnce; ++q)
         found[q] = base[q] + (m != 0 && breakpoints[base[q]] < queries[q] ? 1 : 0);
 }
-
-} // namespace
-
-} // namespace Kernels
-
-namespace {
 
 /// The current generation's table.
 struct Table {
@@ -86,11 +75,11 @@ struct InterpolatedIn {
         std::size_t found[queriesAtOnce];
         std::size_t i = 0;
         for (; i + queriesAtOnce <= n; i += queriesAtOnce) {
-            Kernels::lowerBounds(table.breakpoints, table.length, in + i, found);
+            lowerBounds(table.breakpoints, table.length, in + i, found);
             for (std::size_t q = 0; q < queriesAtOnce; ++q)
                 out[i + q] = at(in[i + q], found[q]);
         }
-        Kernels::inOrder(in + i, out + i, n - i, *this);
+        Detail::Kernels::inOrder(in + i, out + i, n - i, *this);
     }
 
 private:
@@ -111,46 +100,42 @@ InterpolatedIn<Table> interpolatedIn(Vector2 const& xp, VectorView2 const& fp) {
 }
 
 InterpolatedIn<LegacyTable> interpolatedIn(Vector const& xp, ViewVector const& fp) {
-    RealArray const& breakpoints = LegacyAccess::elements(xp);
+    Detail::RealArray const& breakpoints = Detail::LegacyAccess::elements(xp);
     return {{breakpoints.data(), breakpoints.length(), fp}};
 }
 
 VectorView2 viewOf(Vector2 const& v) {
-    return VectorView2(v.data(), v.length(), ContainerAccess::orientation(v));
+    return VectorView2(v.data(), v.length(), Detail::ContainerAccess::orientation(v));
 }
 
 } // namespace
 
-} // namespace Detail
-
-using Detail::transformed;
-
 Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp) {
-    return transformed(std::move(x), Detail::interpolatedIn(xp, fp));
+    return transformed(std::move(x), interpolatedIn(xp, fp));
 }
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
-    return interp(std::move(x), xp, Detail::viewOf(fp));
+    return interp(std::move(x), xp, viewOf(fp));
 }
 
 Vector2 interp(Vector2 const& x, Vector2 const& xp, VectorView2 const& fp) {
-    return transformed(x, Detail::interpolatedIn(xp, fp));
+    return transformed(x, interpolatedIn(xp, fp));
 }
 
 Vector2 interp(Vector2 const& x, Vector2 const& xp, Vector2 const& fp) {
-    return interp(x, xp, Detail::viewOf(fp));
+    return interp(x, xp, viewOf(fp));
 }
 
 double interp(double const& x, Vector2 const& xp, Vector2 const& fp) {
-    return Detail::interpolatedIn(xp, Detail::viewOf(fp))(x);
+    return interpolatedIn(xp, viewOf(fp))(x);
 }
 
 Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp) {
-    return transformed(std::move(x), Detail::interpolatedIn(xp, fp));
+    return transformed(std::move(x), interpolatedIn(xp, fp));
 }
 
 Vector interp(Vector const& x, Vector const& xp, ViewVector const& fp) {
-    return transformed(x, Detail::interpolatedIn(xp, fp));
+    return transformed(x, interpolatedIn(xp, fp));
 }
 
 Vector interp(Vector const& x, Vector const& xp, Vector const& fp) {

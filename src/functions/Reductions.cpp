@@ -9,11 +9,9 @@
 
 namespace Tervane::Math {
 
-namespace Detail::Kernels {
-
 namespace {
 
-double mean(double const* values, std::size_t n) noexcept {
+double meanOf(double const* values, std::size_t n) noexcept {
     double total = 0.0;
     for (std::size_t i = 0; i < n; ++i)
         total += values[i];
@@ -26,7 +24,7 @@ double mean(double const* values, std::size_t n) noexcept {
 // first element, because the search stays at a NaN there: no element is above it. They forget which of
 // several equal elements came first.
 //
-// pre: n is not 0
+// @pre n is not 0
 TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {
     constexpr std::size_t lanes = 32;
     double largest = values[0];
@@ -44,7 +42,7 @@ TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noe
     return largest;
 }
 
-double max(double const* values, std::size_t n) noexcept {
+double maximumOf(double const* values, std::size_t n) noexcept {
     if (n == 0)
         return std::numeric_limits<double>::quiet_NaN();
     double const largest = someMaximum(values, n);
@@ -53,8 +51,6 @@ double max(double const* values, std::size_t n) noexcept {
 }
 
 } // namespace
-
-} // namespace Detail::Kernels
 
 using Detail::LegacyAccess;
 
@@ -67,19 +63,19 @@ double sum(Vector const& x) {
 }
 
 double mean(Vector2 const& x) {
-    return Detail::Kernels::mean(x.data(), x.length());
+    return meanOf(x.data(), x.length());
 }
 
 double mean(Vector const& x) {
-    return Detail::Kernels::mean(LegacyAccess::elements(x).data(), LegacyAccess::elements(x).length());
+    return meanOf(LegacyAccess::elements(x).data(), LegacyAccess::elements(x).length());
 }
 
 double max(Vector2 const& x) {
-    return Detail::Kernels::max(x.data(), x.length());
+    return maximumOf(x.data(), x.length());
 }
 
 double max(Vector const& x) {
-    return Detail::Kernels::max(LegacyAccess::elements(x).data(), LegacyAccess::elements(x).length());
+    return maximumOf(LegacyAccess::elements(x).data(), LegacyAccess::elements(x).length());
 }
 
 std::size_t len(Vector2 const& x) {

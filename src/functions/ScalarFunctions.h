@@ -47,13 +47,14 @@ struct SquareRoot {
     void operator()(double const* in, double* out, std::size_t n) const noexcept;
 };
 
-/// The general power function, whatever the exponent: it rounds differently from repeated multiplication.
-/// Where the exponent is a constant, a compiler puts a product in its place unless -fno-builtin-pow forbids
-/// it.
+/// The general power function of the run-time library, whatever the exponent. Out of line and opaque: where a
+/// compiler sees that the exponent is 2, it puts a product in its place, which rounds differently.
+double power(double x, double exponent);
+
 struct Power {
     static constexpr ElementCost cost = ElementCost::Function;
     double exponent;
-    double operator()(double x) const { return std::pow(x, exponent); }
+    double operator()(double x) const { return power(x, exponent); }
 };
 
 struct Magnitude {

@@ -1,5 +1,6 @@
+#include "functions/Sorting.h"
+
 #include "foundation/Multiversion.h"
-#include "legacy/Access.h"
 
 #include <Math/Sorting.h>
 
@@ -8,8 +9,6 @@
 #include <utility>
 
 namespace Tervane::Math {
-
-namespace Detail::Kernels {
 
 namespace {
 
@@ -23,16 +22,14 @@ TVNMATH_MULTIVERSION bool hasNaN(double const* values, std::size_t n) noexcept {
     return found != 0;
 }
 
-void sort(double* values, std::size_t n) {
+} // namespace
+
+void Detail::Kernels::sort(double* values, std::size_t n) {
     double* end = values + n;
     if (hasNaN(values, n))
         end = std::partition(values, end, [](double x) { return x == x; });
     std::sort(values, end);
 }
-
-} // namespace
-
-} // namespace Detail::Kernels
 
 Vector2 sort(Vector2&& x) {
     Detail::Kernels::sort(x.data(), x.length());
@@ -41,12 +38,6 @@ Vector2 sort(Vector2&& x) {
 
 Vector2 sort(Vector2 const& x) {
     return sort(Vector2(x));
-}
-
-Vector& Vector::sort() {
-    Detail::RealArray& elements = Detail::LegacyAccess::elements(*this);
-    Detail::Kernels::sort(elements.data(), elements.length());
-    return *this;
 }
 
 } // namespace Tervane::Math

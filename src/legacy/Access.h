@@ -1,10 +1,7 @@
 #pragma once
 
 #include "foundation/Transform.h"
-#include "legacy/ComplexVectorData.h"
-#include "legacy/MatrixData.h"
-#include "legacy/VectorData.h"
-#include "legacy/ViewVectorData.h"
+#include "legacy/ContainerData.h"
 
 #include <Math/ComplexVector.h>
 #include <Math/Matrix.h>

@@ -1,4 +1,4 @@
-#include "foundation/ElementCount.h"
+#include "foundation/Shapes.h"
 #include "legacy/Access.h"
 
 #include <Math/Matrix.h>

@@ -1,11 +1,15 @@
+#include "foundation/Shapes.h"
 #include "foundation/SliceResolution.h"
-#include "foundation/VectorShape.h"
+#include "functions/Generators.h"
+#include "functions/Sorting.h"
 #include "legacy/Access.h"
 
 #include <Math/Vector.h>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
+#include <vector>
 
 namespace Tervane::Math {
 
@@ -46,6 +50,15 @@ RealArray concatenated(Vector const* vectors, std::size_t n) {
     for (Vector const* v = vectors; v != vectors + n; ++v)
         out = std::copy(LegacyAccess::elements(*v).begin(), LegacyAccess::elements(*v).end(), out);
     return elements;
+}
+
+template<class Comparison>
+std::vector<bool> compared(RealArray const& elements, double t, Comparison holds) {
+    std::vector<bool> result(elements.length());
+    auto flag = result.begin();
+    for (double const x : elements)
+        *flag++ = holds(x, t);
+    return result;
 }
 
 } // namespace
@@ -111,6 +124,23 @@ double& Vector::operator[](Index const& i) {
     return data.values[data.orientation == Column ? i.row() : i.column()];
 }
 
+Vector Vector::arange(int stop) {
+    return arange(0, stop);
+}
+
+Vector Vector::arange(int start, int stop) {
+    Vector result = LegacyAccess::uninitialisedVector(Detail::arangeLength(start, stop));
+    RealArray& elements = LegacyAccess::elements(result);
+    Detail::Kernels::arange(start, elements.data(), elements.length());
+    return result;
+}
+
+Vector Vector::linspace(double const& start, double const& stop, std::size_t n) {
+    Vector result = LegacyAccess::uninitialisedVector(n);
+    Detail::Kernels::linspace(start, stop, LegacyAccess::elements(result).data(), n);
+    return result;
+}
+
 Vector Vector::operator[](Slice const& slice) const {
     RealArray const& source = LegacyAccess::elements(*this);
     Detail::ResolvedSlice const selected = Detail::resolveSlice(slice, source.length());
@@ -155,6 +185,20 @@ void Vector::reserve(std::size_t n) {
 
 void Vector::resize(std::size_t n, double const& fill) {
     LegacyAccess::elements(*this).resize(n, fill);
+}
+
+Vector& Vector::sort() {
+    RealArray& elements = LegacyAccess::elements(*this);
+    Detail::Kernels::sort(elements.data(), elements.length());
+    return *this;
+}
+
+std::vector<bool> Vector::operator<(double const& t) {
+    return compared(LegacyAccess::elements(*this), t, std::less<>());
+}
+
+std::vector<bool> Vector::operator>(double const& t) {
+    return compared(LegacyAccess::elements(*this), t, std::greater<>());
 }
 
 std::size_t Vector::columns() const {

@@ -1,4 +1,4 @@
-#include "foundation/VectorShape.h"
+#include "foundation/Shapes.h"
 #include "legacy/Access.h"
 
 #include <Math/Matrix.h>

@@ -1,20 +1,19 @@
+#include "functions/ScalarFunctions.h"
+
 #include <Math/LinearAlgebraResult.h>
 #include <Math/Matrix.h>
 #include <Math/Vector.h>
 #include <Math/ViewVector.h>
 
-#include <cmath>
 #include <utility>
 #include <variant>
 
 namespace Tervane::Math {
 
-namespace Detail {
-
-using Solutions = std::variant<Vector, Matrix>;
-
 /// What a LinearAlgebraResult owns. Both variants hold the same alternative.
-struct LinearAlgebraResultData final : System::ObjectData {
+struct Detail::LinearAlgebraResultData final : System::ObjectData {
+    using Solutions = std::variant<Vector, Matrix>;
+
     LinearAlgebraResultData(Solutions&& solutionsOf, Solutions&& residualsOf, System::ErrorCode&& errorOf)
         : solutions(std::move(solutionsOf)), residuals(std::move(residualsOf)), error(std::move(errorOf)) {}
 
@@ -23,12 +22,12 @@ struct LinearAlgebraResultData final : System::ObjectData {
     System::ErrorCode error;
 };
 
-} // namespace Detail
-
 namespace {
 
-System::UniquePointer<System::ObjectData> makeData(Detail::Solutions&& solutions,
-                                                   Detail::Solutions&& residuals, System::ErrorCode&& error) {
+using Solutions = Detail::LinearAlgebraResultData::Solutions;
+
+System::UniquePointer<System::ObjectData> makeData(Solutions&& solutions, Solutions&& residuals,
+                                                   System::ErrorCode&& error) {
     return System::UniquePointer<System::ObjectData>(
         new Detail::LinearAlgebraResultData(std::move(solutions), std::move(residuals), std::move(error)));
 }
@@ -75,7 +74,7 @@ double LinearAlgebraResult::rss(std::size_t i) const {
     std::size_t const n = view.rows() * view.columns(); // length() is 1 for an empty view
     double sum = 0.0;
     for (std::size_t k = 0; k < n; ++k)
-        sum += std::pow(view[k], 2.0);
+        sum += Detail::power(view[k], 2.0);
     return sum;
 }
 

@@ -35,7 +35,7 @@ struct Blackman {
     double lastPoint;
     double operator()(double k) const {
         double const c = Cosine()(k * twoPi / lastPoint);
-        return (0.42 - 0.5 * c) + 0.08 * (2.0 * Detail::Power{2.0}(c)-1.0);
+        return (0.42 - 0.5 * c) + 0.08 * (2.0 * Detail::power(c, 2.0) - 1.0);
     }
 };
 /// @}
