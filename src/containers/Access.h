@@ -19,8 +19,6 @@ namespace Tervane::Math::Detail {
 struct ContainerAccess {
     static VectorOrientation orientation(Vector2 const& v) noexcept { return v._orientation; }
     static VectorOrientation orientation(VectorView2 const& v) noexcept { return v._orientation; }
-    static VectorOrientation orientation(ComplexVector2 const& v) noexcept { return v._orientation; }
-    static VectorOrientation orientation(ComplexVectorView2 const& v) noexcept { return v._orientation; }
 
     static double* elements(Vector2& v) noexcept { return v._elements.data(); }
     static double const* elements(Vector2 const& v) noexcept { return v._elements.data(); }

@@ -37,18 +37,14 @@ ErrorCategory2::~ErrorCategory2() = default;
 
 ErrorCode2 ErrorCode2::fromStandard(std::error_code const& code) noexcept {
     std::error_category const& category = code.category();
-    if (category == std::generic_category()) {
+    if (category == std::generic_category())
         return {code.value(), generic_error_category()};
-    }
-    if (category == std::system_category()) {
+    if (category == std::system_category())
         return {code.value(), system_error_category()};
-    }
-    if (category == std::future_category()) {
+    if (category == std::future_category())
         return {code.value(), future_error_category()};
-    }
-    if (category == std::iostream_category()) {
+    if (category == std::iostream_category())
         return {code.value(), iostream_error_category()};
-    }
     return {-1, system_error_category()};
 }
 

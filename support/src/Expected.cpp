@@ -6,17 +6,15 @@ namespace Tervane::System {
 template class Expected<String2, ErrorCode2>;
 
 Expected<void, ErrorCode2>::Expected(Expected const& other) noexcept : _hasValue(other._hasValue) {
-    if (!_hasValue) {
+    if (!_hasValue)
         ::new (static_cast<void*>(std::addressof(_error))) ErrorCode2(other._error);
-    }
 }
 
 Expected<void, ErrorCode2>::Expected(Expected&& other) noexcept : Expected(std::as_const(other)) {}
 
 Expected<void, ErrorCode2>::~Expected() {
-    if (!_hasValue) {
+    if (!_hasValue)
         _error.~ErrorCode2();
-    }
 }
 
 Expected<void, ErrorCode2>& Expected<void, ErrorCode2>::operator=(Expected const& other) noexcept {
@@ -41,9 +39,8 @@ void Expected<void, ErrorCode2>::value() & {
     std::as_const(*this).value();
 }
 void Expected<void, ErrorCode2>::value() const& {
-    if (!_hasValue) {
+    if (!_hasValue)
         detail::throwBadExpectedAccess(_error);
-    }
 }
 void Expected<void, ErrorCode2>::value() && {
     std::as_const(*this).value();

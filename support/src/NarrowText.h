@@ -1,6 +1,7 @@
+#pragma once
+
 /// @file
 /// Text that comes from outside as narrow characters of an unknown encoding.
-#pragma once
 
 #include <System/String2.h>
 

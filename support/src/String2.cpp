@@ -32,21 +32,17 @@ bool isContinuation(Byte byte) noexcept {
 /// (ED) and what lies above U+10FFFF (F4).
 std::size_t sequenceLength(Byte const* bytes, std::size_t available) noexcept {
     Byte const lead = bytes[0];
-    if (lead < 0x80U) {
+    if (lead < 0x80U)
         return 1;
-    }
-    if (lead < 0xC2U || lead > 0xF4U) {
+    if (lead < 0xC2U || lead > 0xF4U)
         return 0;
-    }
     std::size_t const length = lead < 0xE0U ? 2 : lead < 0xF0U ? 3 : 4;
-    if (available < length) {
+    if (available < length)
         return 0;
-    }
     Byte const lowest = lead == 0xE0U ? 0xA0U : lead == 0xF0U ? 0x90U : 0x80U;
     Byte const highest = lead == 0xEDU ? 0x9FU : lead == 0xF4U ? 0x8FU : 0xBFU;
-    if (bytes[1] < lowest || bytes[1] > highest) {
+    if (bytes[1] < lowest || bytes[1] > highest)
         return 0;
-    }
     return std::all_of(bytes + 2, bytes + length, isContinuation) ? length : 0;
 }
 
@@ -54,9 +50,8 @@ bool isUtf8(char const* bytes, std::size_t length) noexcept {
     auto const* const start = reinterpret_cast<Byte const*>(bytes);
     for (std::size_t i = 0; i < length;) {
         std::size_t const step = sequenceLength(start + i, length - i);
-        if (step == 0) {
+        if (step == 0)
             return false;
-        }
         i += step;
     }
     return true;
@@ -88,9 +83,8 @@ String2::String2(String2&& other) noexcept
 String2::~String2() = default;
 
 String2& String2::operator=(String2 const& other) {
-    if (this != &other) {
+    if (this != &other)
         *this = String2(other);
-    }
     return *this;
 }
 
@@ -135,9 +129,8 @@ std::ostream& operator<<(std::ostream& stream, String2 const& text) {
 
 void String2::insert(std::size_t position, char8_t const* text) {
     std::size_t const added = lengthOf(text);
-    if (added == 0) {
+    if (added == 0)
         return;
-    }
     std::size_t const total = _length + added;
     std::less_equal<> const notAfter;
     bool const partOfThis = notAfter(data(), text) && notAfter(text, data() + _length);
@@ -167,9 +160,8 @@ Expected<String2, ErrorCode2> toString(int number) {
 
 Expected<String2, ErrorCode2> utf8ToUtf8(char const* bytes, std::size_t length) {
     return guard<String2>([&]() -> Expected<String2, ErrorCode2> {
-        if (!isUtf8(bytes, length)) {
+        if (!isUtf8(bytes, length))
             return std::errc::illegal_byte_sequence;
-        }
         return String2(bytes, length);
     });
 }
@@ -177,9 +169,8 @@ Expected<String2, ErrorCode2> utf8ToUtf8(char const* bytes, std::size_t length) 
 namespace detail {
 
 String2 textOf(std::string_view narrow) {
-    if (auto text = utf8ToUtf8(narrow.data(), narrow.size())) {
+    if (auto text = utf8ToUtf8(narrow.data(), narrow.size()))
         return *std::move(text);
-    }
     std::string ascii(narrow);
     std::replace_if(
         ascii.begin(), ascii.end(), [](char c) { return static_cast<Byte>(c) >= 0x80U; }, '?');

@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// Error codes of the old generation, which operations report through a trailing `ErrorCode&`.
 ///
@@ -8,7 +10,6 @@
 ///     report(error.message());
 /// }
 /// @endcode
-#pragma once
 
 #include <System/Export.h>
 #include <System/String.h>

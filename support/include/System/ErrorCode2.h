@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// Error codes of the current generation: a number, and the category that gives it a meaning.
 ///
@@ -9,7 +11,6 @@
 /// @endcode
 ///
 /// Compare codes, never messages: the messages are for people.
-#pragma once
 
 #include <System/Export.h>
 

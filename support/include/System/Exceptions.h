@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// The exceptions in which failures travel inside the libraries, and the one that `Expected::value()` throws.
 ///
@@ -11,7 +13,6 @@
 ///
 /// Each class has its type information in this library alone, so each can be thrown in one module and caught
 /// by type in another.
-#pragma once
 
 #include <System/ErrorCode2.h>
 #include <System/Export.h>

@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// `Expected<T, ErrorCode2>`, the result of an operation that can fail.
 ///
@@ -10,7 +12,6 @@
 /// }
 /// use(solve(matrix, rightHandSide).value()); // throws bad_expected_access<ErrorCode2> instead
 /// @endcode
-#pragma once
 
 #include <System/ErrorCode2.h>
 #include <System/Exceptions.h>
@@ -71,28 +72,25 @@ public:
     /// moved here.
     Expected(Expected const& other) noexcept(std::is_nothrow_copy_constructible_v<T>)
         : _hasValue(other._hasValue) {
-        if (_hasValue) {
+        if (_hasValue)
             construct(_value, other._value);
-        } else {
+        else
             construct(_error, other._error);
-        }
     }
     Expected(Expected&& other) noexcept(std::is_nothrow_move_constructible_v<T>)
         : _hasValue(other._hasValue) {
-        if (_hasValue) {
+        if (_hasValue)
             construct(_value, std::move(other._value));
-        } else {
+        else
             construct(_error, std::move(other._error));
-        }
     }
     /// @}
 
     ~Expected() {
-        if (_hasValue) {
+        if (_hasValue)
             destroy(_value);
-        } else {
+        else
             destroy(_error);
-        }
     }
 
     /// @{
@@ -192,27 +190,23 @@ public:
     /// is not
     ///         changed.
     T& value() & {
-        if (!_hasValue) {
+        if (!_hasValue)
             detail::throwBadExpectedAccess(_error);
-        }
         return _value;
     }
     T const& value() const& {
-        if (!_hasValue) {
+        if (!_hasValue)
             detail::throwBadExpectedAccess(_error);
-        }
         return _value;
     }
     T&& value() && {
-        if (!_hasValue) {
+        if (!_hasValue)
             detail::throwBadExpectedAccess(_error);
-        }
         return std::move(_value);
     }
     T const&& value() const&& {
-        if (!_hasValue) {
+        if (!_hasValue)
             detail::throwBadExpectedAccess(_error);
-        }
         return std::move(_value);
     }
     /// @}

@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// `TVNCORE_API` marks what the support library offers to other modules.
 ///
@@ -5,7 +7,6 @@
 /// Classes that are thrown or cast across modules bear the mark too: their type information then exists once
 /// per process.
 /// `TVNCORE_LOCAL` takes it from a private member of a marked class.
-#pragma once
 
 #if defined(__GNUC__)
 #    define TVNCORE_API __attribute__((visibility("default")))

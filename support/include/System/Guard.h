@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// `guard`, the boundary at which exceptions become errors.
 ///
@@ -11,7 +13,6 @@
 ///     });
 /// }
 /// @endcode
-#pragma once
 
 #include <System/ErrorCode2.h>
 #include <System/Expected.h>

@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// The base of the polymorphic classes of the old generation, which keep their state in a private data
 /// object.
@@ -13,7 +15,6 @@
 ///     int count() const { return static_cast<CounterData const*>(objectData())->count; }
 /// };
 /// @endcode
-#pragma once
 
 #include <System/Export.h>
 
@@ -43,9 +44,8 @@ public:
     /// Deletes what was owned before and takes over what @p other owns; assigning a pointer to itself changes
     /// nothing.
     UniquePointer& operator=(UniquePointer&& other) noexcept {
-        if (this != &other) {
+        if (this != &other)
             delete std::exchange(_object, std::exchange(other._object, nullptr));
-        }
         return *this;
     }
 

@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// `String`, the string type of the old generation.
 ///
@@ -5,7 +7,6 @@
 /// String name = u8"math_la";
 /// std::string narrow = name.narrow();
 /// @endcode
-#pragma once
 
 #include <System/Export.h>
 #include <System/String2.h>

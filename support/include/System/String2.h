@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// `String2`, the current string type, and the two functions that make one with a result to test.
 ///
@@ -6,7 +8,6 @@
 /// Expected<String2, ErrorCode2> digits = toString(12);
 /// text = std::move(text) + (digits ? digits->data() : u8"?") + u8")";
 /// @endcode
-#pragma once
 
 #include <System/Export.h>
 

@@ -1,3 +1,5 @@
+#pragma once
+
 /// @file
 /// The whole support library: results, error codes of both generations, strings and the object base.
 ///
@@ -10,7 +12,6 @@
 ///     return text.error();
 /// }
 /// @endcode
-#pragma once
 
 #include <System/ErrorCode.h>
 #include <System/ErrorCode2.h>
