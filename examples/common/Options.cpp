@@ -44,7 +44,8 @@ std::optional<int> parse(CLI::App& app, int argc, char const* const* argv) {
     } catch (CLI::ParseError const& error) {
         int const exitCode = app.exit(error);
         if (!std::cout.flush()) {
-            std::cerr << app.get_name() << ": standard output: file cannot be written\n";
+            std::cerr << std::filesystem::path(app.get_name()).filename().string()
+                      << ": standard output: file cannot be written\n";
             return EXIT_FAILURE;
         }
         return exitCode;

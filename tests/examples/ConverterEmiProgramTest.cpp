@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -28,6 +30,27 @@ std::size_t linesIn(std::string const& text) {
     return static_cast<std::size_t>(std::ranges::count(text, '\n'));
 }
 
+/// Runs a shell command whose standard streams are a terminal, and returns what appears on it.
+std::string shownOnTerminal(std::string const& command) {
+    int terminal = -1;
+    pid_t const child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    std::string shown;
+    char buffer[256];
+    // At the end of the child, reading from a terminal fails.
+    for (ssize_t n = 0; (n = read(terminal, buffer, sizeof buffer)) > 0;) {
+        shown.append(buffer, static_cast<std::size_t>(n));
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    close(terminal);
+    EXPECT_EQ(status, 0) << command;
+    return shown;
+}
+
 struct Outcome {
     int exitCode;
     std::string output;
@@ -44,8 +67,9 @@ protected:
     }
     void TearDown() override { fs::remove_all(folder); }
 
-    Outcome run(std::string const& arguments) const {
-        std::string const command = std::string("'") + CONVERTER_EMI_PROGRAM + "' " + arguments + " >'"
+    /// Runs the program by the shell; @p before can feed it or change the folder first.
+    Outcome run(std::string const& arguments, std::string const& before = "") const {
+        std::string const command = before + "'" + CONVERTER_EMI_PROGRAM + "' " + arguments + " >'"
                                     + (folder / "stdout").string() + "' 2>'" + (folder / "stderr").string()
                                     + "'";
         int const status = std::system(command.c_str());
@@ -59,10 +83,13 @@ protected:
                    + "' " + arguments);
     }
 
-    /// Runs on a table that the test wrote; the record's period is 1 ms, so the band can be low.
+    /// Arguments for a table that the test wrote; the record's period is 1 ms, so the band can be low.
+    std::string tableArguments() const {
+        return "--no-plots --signal signal_V --switching-frequency 1e3 --start 9e3 --stop 10e3 --output '"
+               + output().string() + "' ";
+    }
     Outcome runOnTable(std::string const& arguments = "") const {
-        return run("'" + table().string() + "' --no-plots --signal signal_V --switching-frequency 1e3 "
-                   + "--start 9e3 --stop 10e3 --output '" + output().string() + "' " + arguments);
+        return run("'" + table().string() + "' " + tableArguments() + arguments);
     }
 
     void writeTable(std::string const& text) const { std::ofstream(table()) << text; }
@@ -470,6 +497,137 @@ TEST_F(ConverterEmiProgram, WithoutGnuplotNothingIsLeftBehind) {
         run(std::string("'") + CONVERTER_EMI_DATA + "' --output '" + output().string() + "'");
     setenv("PATH", path.c_str(), 1);
     expectRefusal(outcome, "gnuplot did not draw the plots (is it installed? --no-plots does without)");
+}
+
+TEST_F(ConverterEmiProgram, SkipsAByteOrderMark) {
+    auto lines = goodTable();
+    lines[0] = "\xEF\xBB\xBF" + lines[0];
+    writeTable(lines);
+    Outcome const outcome = runOnTable();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+}
+
+TEST_F(ConverterEmiProgram, ReadsTheRecordFromAPipe) {
+    writeTable(goodTable());
+    ASSERT_EQ(runOnTable().exitCode, 0);
+    auto const expected = outputFiles();
+    fs::remove_all(output());
+    Outcome const outcome = run("/dev/stdin " + tableArguments(), "cat '" + table().string() + "' | ");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_TRUE(outputFiles() == expected);
+}
+
+TEST_F(ConverterEmiProgram, NamesTheLineOfAPipe) {
+    auto lines = goodTable();
+    lines[17] = "16e-5,abc";
+    writeTable(lines);
+    expectRefusal(run("/dev/stdin " + tableArguments(), "cat '" + table().string() + "' | "),
+                  "/dev/stdin:18:2: field is not a finite number (signal_V: 'abc')");
+}
+
+TEST_F(ConverterEmiProgram, AReportThatCannotBeWrittenIsAFailure) {
+    writeTable(goodTable());
+    for (std::string const& arguments :
+         {"'" + table().string() + "' " + tableArguments(), std::string("--help")}) {
+        std::string const command = std::string("'") + CONVERTER_EMI_PROGRAM + "' " + arguments
+                                    + " >/dev/full 2>'" + (folder / "stderr").string() + "'";
+        int const status = std::system(command.c_str());
+        EXPECT_EQ(WEXITSTATUS(status), 1) << arguments;
+        EXPECT_TRUE(contentOf(folder / "stderr")
+                        .starts_with("converter_emi: standard output: file cannot be written"))
+            << contentOf(folder / "stderr");
+    }
+}
+
+TEST_F(ConverterEmiProgram, WithoutPlotsNoOlderPlotsStayBesideNewTables) {
+    fs::create_directories(output());
+    std::vector<std::string> const older{"plots.gnuplot", "spectrum.svg", "spectrum.png",
+                                         "waveform.svg",  "waveform.png", "capacitor.csv"};
+    for (std::string const& name : older) {
+        std::ofstream(output() / name) << "older";
+    }
+    ASSERT_EQ(runOnData("").exitCode, 0);
+    for (std::string const& name : older) {
+        EXPECT_FALSE(fs::exists(output() / name)) << name;
+    }
+    EXPECT_EQ(outputFiles().size(), 5U);
+}
+
+TEST_F(ConverterEmiProgram, RelativePathsCountFromTheCallersFolder) {
+    writeTable(goodTable());
+    Outcome const outcome =
+        run("table.csv --no-plots --signal signal_V --switching-frequency 1e3 --start 9e3 "
+            "--stop 10e3 --output results",
+            "cd '" + folder.string() + "' && ");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_TRUE(fs::exists(folder / "results" / "summary.csv"));
+}
+
+TEST_F(ConverterEmiProgram, WhatAKilledRunLeftIsRemovedByTheNext) {
+    // In the place of gnuplot: a program that kills the one that started it.
+    fs::path const assassin = folder / "gnuplot";
+    std::ofstream(assassin) << "#!/bin/sh\nkill -9 $PPID\n";
+    fs::permissions(assassin, fs::perms::owner_all);
+    Outcome const killed =
+        run(std::string("'") + CONVERTER_EMI_DATA + "' --output '" + output().string() + "'",
+            "PATH='" + folder.string() + "':\"$PATH\" ");
+    EXPECT_NE(killed.exitCode, 0);
+    auto const unfinished = [&] {
+        return std::ranges::count_if(fs::directory_iterator(output()), [](auto const& entry) {
+            return entry.path().filename().string().starts_with(".unfinished-");
+        });
+    };
+    ASSERT_EQ(unfinished(), 1) << "the run was not killed in its middle";
+    EXPECT_EQ(runOnData("").exitCode, 0);
+    EXPECT_EQ(unfinished(), 0);
+    EXPECT_EQ(outputFiles().size(), 5U);
+}
+
+TEST_F(ConverterEmiProgram, OnlyRecordsOfItsCircuitGetTheFiltersVerdict) {
+    std::string record = contentOf(CONVERTER_EMI_DATA);
+    std::string const comment = "# circuit,buck_converter.cir\n";
+    auto const place = record.find(comment);
+    ASSERT_NE(place, std::string::npos);
+    writeTable(record.erase(place, comment.size()));
+    Outcome const outcome = run("'" + table().string() + "' --no-plots --output '" + output().string() + "'");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_NE(outcome.output.find("without filter   FAIL"), std::string::npos) << outcome.output;
+    EXPECT_NE(outcome.output.find("with filter      no verdict"), std::string::npos) << outcome.output;
+    auto const files = outputFiles();
+    EXPECT_TRUE(files.at("harmonics.csv")
+                    .starts_with("order,frequency_Hz,amplitude_V,before_dBuV,limit_dBuV,margin_dB\n"));
+    EXPECT_TRUE(files.at("spectrum.csv").starts_with("frequency_Hz,before_dBuV,limit_dBuV\n"));
+    EXPECT_EQ(files.at("summary.csv").find("least_margin_after"), std::string::npos);
+}
+
+/// What the program writes to standard error when its record comes slowly.
+class ConverterEmiProgress : public ConverterEmiProgram {
+protected:
+    std::string shellCommand() const {
+        return "(sleep 2.5; cat '" + table().string() + "') | '" + CONVERTER_EMI_PROGRAM + "' /dev/stdin "
+               + tableArguments() + " >/dev/null";
+    }
+};
+
+TEST_F(ConverterEmiProgress, IsShownOnATerminalAfterTwoSeconds) {
+    writeTable(goodTable());
+    std::string const shown = shownOnTerminal(shellCommand());
+    EXPECT_TRUE(shown.starts_with("\r\033[Kconverter_emi: reading the record ...")) << shown;
+    EXPECT_TRUE(shown.ends_with("\r\033[K")) << "the line is cleared at the end: " << shown;
+}
+
+TEST_F(ConverterEmiProgress, IsNotShownInAFile) {
+    writeTable(goodTable());
+    std::string const command = shellCommand() + " 2>'" + (folder / "stderr").string() + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(contentOf(folder / "stderr"), "");
+}
+
+TEST_F(ConverterEmiProgress, IsNotShownOfAShortRun) {
+    writeTable(goodTable());
+    EXPECT_EQ(shownOnTerminal(std::string("'") + CONVERTER_EMI_PROGRAM + "' '" + table().string() + "' "
+                              + tableArguments() + " >/dev/null"),
+              "");
 }
 
 } // namespace

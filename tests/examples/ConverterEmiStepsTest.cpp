@@ -9,12 +9,10 @@
 #include <Circuit.h>
 #include <Emission.h>
 #include <Results.h>
-#include <common/OutputFolder.h>
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
-#include <filesystem>
 #include <numbers>
 
 namespace ConverterEmi {
@@ -318,30 +316,6 @@ TEST(EmiReport, ManyHarmonicsStillGiveAtMostSixtyLines) {
     std::string const report = formatReport({}, analysis, {"a.csv"});
     EXPECT_LE(std::ranges::count(report, '\n'), 60);
     EXPECT_NE(report.find("least margins of 500"), std::string::npos);
-}
-
-TEST(EmiOutputFolder, WithoutCommitNothingStays) {
-    namespace fs = std::filesystem;
-    std::string pattern = (fs::temp_directory_path() / "emi-output-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    fs::path const root = pattern;
-    Place place;
-    {
-        Examples::OutputFolder folder(root / "a" / "b", {});
-        ASSERT_TRUE(folder.open(place));
-        ASSERT_TRUE(folder.write("x.csv", "1\n", place));
-        EXPECT_FALSE(fs::exists(root / "a" / "b" / "x.csv"));
-    }
-    EXPECT_FALSE(fs::exists(root / "a"));
-    {
-        Examples::OutputFolder folder(root / "a" / "b", {});
-        ASSERT_TRUE(folder.open(place));
-        ASSERT_TRUE(folder.write("x.csv", "1\n", place));
-        ASSERT_TRUE(folder.commit(place));
-    }
-    EXPECT_TRUE(fs::exists(root / "a" / "b" / "x.csv"));
-    EXPECT_EQ(std::distance(fs::directory_iterator(root / "a" / "b"), {}), 1);
-    fs::remove_all(root);
 }
 
 } // namespace
