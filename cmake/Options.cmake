@@ -15,3 +15,5 @@ if(NOT TVNMATH_ONEMKL_THREADING IN_LIST _threading_layers)
 endif()
 
 set(TVNMATH_SANITIZE "" CACHE STRING "Empty, or the list for -fsanitize=, for example address,undefined")
+
+option(TVNMATH_BUILD_FUZZERS "Build the fuzzers (clang only, with TVNMATH_SANITIZE's fuzzer-no-link)" OFF)
