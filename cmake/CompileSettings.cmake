@@ -25,6 +25,15 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+# Under the standard library's debug mode the standard vector has another layout. Whoever builds the library so, a parent
+# project for all it holds for example, may use it so; the headers refuse any other mixture.
+get_property(_definitions DIRECTORY PROPERTY COMPILE_DEFINITIONS)
+get_property(_options DIRECTORY PROPERTY COMPILE_OPTIONS)
+string(TOUPPER "${CMAKE_BUILD_TYPE}" _build_type)
+if("${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${_build_type}} ${_definitions} ${_options}" MATCHES "_GLIBCXX_DEBUG([ ;=]|$)")
+  set(TVNMATH_DEBUG_MODE_DEFINITION TVNMATH_BUILT_WITH_GLIBCXX_DEBUG)
+endif()
+
 # A library without a build type would be an unoptimised one. A parent project's build type is its own business.
 get_property(_is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT _is_multi_config)

@@ -14,6 +14,16 @@ if(NOT TVNMATH_ONEMKL_THREADING IN_LIST _threading_layers)
     "TVNMATH_ONEMKL_THREADING is '${TVNMATH_ONEMKL_THREADING}'; choose intel_thread, gnu_thread or sequential.")
 endif()
 
+# oneMKL's symbols can be hidden inside a shared library only, and the support library's objects must exist once per
+# process. A parent project's wish for its other libraries is no reason to fail.
+if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
+  set(_shared_only "TVNMath exists as a shared library only, since a static one could not hide oneMKL's symbols")
+  if(PROJECT_IS_TOP_LEVEL)
+    message(FATAL_ERROR "${_shared_only}. Configure without BUILD_SHARED_LIBS=OFF.")
+  endif()
+  message(NOTICE "${_shared_only}; BUILD_SHARED_LIBS=OFF does not reach it.")
+endif()
+
 set(TVNMATH_SANITIZE "" CACHE STRING "Empty, or the list for -fsanitize=, for example address,undefined")
 
 option(TVNMATH_BUILD_FUZZERS "Build the fuzzers (clang only, with TVNMATH_SANITIZE's fuzzer-no-link)" OFF)

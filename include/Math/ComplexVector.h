@@ -12,6 +12,7 @@
 /// std::complex<double> const second = z[1];       // 1.5 - 2i
 /// @endcode
 
+#include <Math/Detail/StandardVector.h>
 #include <Math/Export.h>
 #include <System/Object.h>
 
@@ -19,7 +20,6 @@
 #include <complex>
 #include <cstddef>
 #include <iterator>
-#include <vector>
 
 namespace Tervane::Math {
 

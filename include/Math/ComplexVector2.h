@@ -11,7 +11,7 @@
 /// @endcode
 
 #include <Math/ComplexVectorView2.h>
-#include <Math/Detail/ElementArray.h>
+#include <Math/Detail/ComplexArray.h>
 #include <Math/Dimensions.h>
 #include <Math/Export.h>
 #include <Math/VectorOrientation.h>

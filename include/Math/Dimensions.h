@@ -9,6 +9,8 @@
 /// shape == Tervane::Math::Dimensions(2, 3);        // true
 /// @endcode
 
+#include <Math/Export.h>
+
 #include <cstddef>
 
 namespace Tervane::Math {

@@ -50,3 +50,4 @@
 #include <Math/ViewMatrix.h>
 #include <Math/ViewVector.h>
 #include <Math/Window.h>
+#include <System/System.h>

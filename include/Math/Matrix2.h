@@ -14,7 +14,7 @@
 #include <Math/Dimensions.h>
 #include <Math/Export.h>
 #include <Math/Index.h>
-#include <System/Expected.h>
+#include <System/Detail/Expected.h>
 
 #include <cstddef>
 

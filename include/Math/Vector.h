@@ -14,6 +14,7 @@
 /// @endcode
 
 #include <Math/BasicObject.h>
+#include <Math/Detail/StandardVector.h>
 #include <Math/Dimensions.h>
 #include <Math/Export.h>
 #include <Math/Index.h>
@@ -22,7 +23,6 @@
 
 #include <cstddef>
 #include <initializer_list>
-#include <vector>
 
 namespace Tervane::Math {
 

@@ -16,8 +16,8 @@
 #include <Math/Slice.h>
 #include <Math/VectorOrientation.h>
 #include <Math/VectorView2.h>
-#include <System/Expected.h>
-#include <System/String2.h>
+#include <System/Detail/Expected.h>
+#include <System/Detail/String2.h>
 
 #include <cstddef>
 

@@ -12,7 +12,7 @@
 #include <Math/Dimensions.h>
 #include <Math/Export.h>
 #include <Math/VectorOrientation.h>
-#include <System/Expected.h>
+#include <System/Detail/Expected.h>
 
 #include <cstddef>
 

@@ -7,6 +7,7 @@
 #include <System/Exceptions.h>
 #include <System/Guard.h>
 
+#include <algorithm>
 #include <complex>
 
 template class Tervane::System::Expected<Tervane::Math::ComplexVector2, Tervane::System::ErrorCode2>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Math/Detail/ElementArray.h>
+#include <Math/Detail/ComplexArray.h>
 #include <Math/Dimensions.h>
 #include <Math/VectorOrientation.h>
 #include <System/Object.h>

@@ -10,6 +10,8 @@
 #include <functional>
 #include <limits>
 #include <ostream>
+#include <string_view>
+#include <utility>
 
 namespace Tervane::System {
 
@@ -65,8 +67,8 @@ String2::String2(char8_t const* text) : String2(text, lengthOf(text)) {}
 
 String2::String2(void const* bytes, std::size_t length) {
     if (length != 0) {
-        _text = std::make_unique_for_overwrite<char8_t[]>(length + 1);
-        std::memcpy(_text.get(), bytes, length);
+        _text = new char8_t[length + 1];
+        std::memcpy(_text, bytes, length);
         _text[length] = u8'\0';
         _length = length;
         _capacity = length;
@@ -76,11 +78,13 @@ String2::String2(void const* bytes, std::size_t length) {
 String2::String2(String2 const& other) : String2(other.data(), other._length) {}
 
 String2::String2(String2&& other) noexcept
-    : _text(std::move(other._text)),
+    : _text(std::exchange(other._text, nullptr)),
       _length(std::exchange(other._length, 0)),
       _capacity(std::exchange(other._capacity, 0)) {}
 
-String2::~String2() = default;
+String2::~String2() {
+    delete[] _text;
+}
 
 String2& String2::operator=(String2 const& other) {
     if (this != &other)
@@ -90,7 +94,8 @@ String2& String2::operator=(String2 const& other) {
 
 String2& String2::operator=(String2&& other) noexcept {
     if (this != &other) {
-        _text = std::move(other._text);
+        delete[] _text;
+        _text = std::exchange(other._text, nullptr);
         _length = std::exchange(other._length, 0);
         _capacity = std::exchange(other._capacity, 0);
     }
@@ -98,7 +103,7 @@ String2& String2::operator=(String2&& other) noexcept {
 }
 
 char8_t const* String2::data() const noexcept {
-    return _text ? _text.get() : u8"";
+    return _text != nullptr ? _text : u8"";
 }
 
 std::size_t String2::length() const noexcept {
@@ -135,16 +140,17 @@ void String2::insert(std::size_t position, char8_t const* text) {
     std::less_equal<> const notAfter;
     bool const partOfThis = notAfter(data(), text) && notAfter(text, data() + _length);
     if (total <= _capacity && !partOfThis) {
-        std::memmove(_text.get() + position + added, data() + position, _length - position);
-        std::memcpy(_text.get() + position, text, added);
+        std::memmove(_text + position + added, data() + position, _length - position);
+        std::memcpy(_text + position, text, added);
     } else {
         // Half as much again, so that a chain of concatenations allocates only now and then.
         std::size_t const capacity = std::max(total, _capacity + _capacity / 2);
-        auto grown = std::make_unique_for_overwrite<char8_t[]>(capacity + 1);
-        std::memcpy(grown.get(), data(), position);
-        std::memcpy(grown.get() + position, text, added);
-        std::memcpy(grown.get() + position + added, data() + position, _length - position);
-        _text = std::move(grown);
+        auto* const grown = new char8_t[capacity + 1];
+        std::memcpy(grown, data(), position);
+        std::memcpy(grown + position, text, added);
+        std::memcpy(grown + position + added, data() + position, _length - position);
+        delete[] _text;
+        _text = grown;
         _capacity = capacity;
     }
     _length = total;

@@ -3,7 +3,7 @@
 #include "kit/LengthErrors.h"
 #include "kit/SpecialValues.h"
 
-#include <Math/Detail/ElementArray.h>
+#include <Math/Detail/ComplexArray.h>
 
 #include <gtest/gtest.h>
 

@@ -5,13 +5,10 @@
 
 #include <Math/AlignedAllocator.h>
 
-#include <algorithm>
-#include <complex>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
@@ -50,7 +47,7 @@ public:
 
     /// A copy of the `n` elements at `source`.
     ElementArray(T const* source, std::size_t n) : ElementArray(Uninitialised{}, n) {
-        std::copy_n(source, n, _begin);
+        copy(source, n, _begin);
     }
 
     /// The copy's capacity is the length, whatever the source's is.
@@ -141,6 +138,11 @@ private:
         return n == 0 ? nullptr : Allocator().allocate(n);
     }
 
+    static void copy(T const* source, std::size_t n, T* destination) noexcept {
+        if (n != 0)
+            std::memcpy(static_cast<void*>(destination), source, n * sizeof(T));
+    }
+
     /// Positive zero is all bits clear, which the runtime clears faster than a loop stores; negative zero is
     /// not.
     static void fillNew(T* first, T* last, T const& value) noexcept {
@@ -150,7 +152,9 @@ private:
             if (first != last)
                 std::memset(static_cast<void*>(first), 0, static_cast<std::size_t>(last - first) * sizeof(T));
         } else {
-            std::fill(first, last, value);
+            T const fill = value; // a local one, which the stores cannot change
+            for (; first != last; ++first)
+                *first = fill;
         }
     }
 
@@ -158,13 +162,13 @@ private:
         if (n > maxLength)
             throw std::length_error("vector too long");
         std::size_t const old = capacity();
-        return old > maxLength - old / 2 ? n : std::max(n, old + old / 2);
+        return old > maxLength - old / 2 || n > old + old / 2 ? n : old + old / 2;
     }
 
     void reallocate(std::size_t newCapacity) {
         std::size_t const n = length();
         T* const fresh = allocate(newCapacity);
-        std::copy_n(_begin, n, fresh);
+        copy(_begin, n, fresh);
         Allocator().deallocate(_begin, capacity());
         _begin = fresh;
         _end = fresh + n;
@@ -178,8 +182,5 @@ private:
 
 /// Real elements, on 64-byte boundaries.
 using RealArray = ElementArray<double, AlignedAllocator>;
-
-/// Complex elements, real part first, from the ordinary heap.
-using ComplexArray = ElementArray<std::complex<double>, std::allocator<std::complex<double>>>;
 
 } // namespace Tervane::Math::Detail
