@@ -37,7 +37,8 @@ endif()
 find_package(Threads REQUIRED)
 add_library(OneMKL::Static INTERFACE IMPORTED)
 target_include_directories(OneMKL::Static SYSTEM INTERFACE "${TVNMATH_ONEMKL_INCLUDE_DIR}")
-target_compile_definitions(OneMKL::Static INTERFACE MKL_ILP64)
+string(TOUPPER TVNMATH_ONEMKL_${TVNMATH_ONEMKL_THREADING} _layer)
+target_compile_definitions(OneMKL::Static INTERFACE MKL_ILP64 ${_layer})
 # The three archives refer to each other in a circle, hence the group.
 target_link_libraries(OneMKL::Static INTERFACE
   -Wl,--start-group "${TVNMATH_ONEMKL_INTERFACE}" "${TVNMATH_ONEMKL_${TVNMATH_ONEMKL_THREADING}}" "${TVNMATH_ONEMKL_CORE}" -Wl,--end-group

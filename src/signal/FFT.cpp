@@ -1,3 +1,5 @@
+#include "foundation/OneMKLThreads.h"
+#include "signal/DescriptorReserve.h"
 #include "signal/FourierStatus.h"
 
 #include <Math/ComplexVector.h>
@@ -18,6 +20,15 @@ constexpr std::size_t binsOf(std::size_t n) {
     return n / 2 + 1;
 }
 
+/// What oneMKL needs around it while it transforms.
+struct TransformScope {
+    /// The shortest signal that oneMKL was seen to spread had 8,228 samples.
+    explicit TransformScope(std::size_t n) : threads(n > 4096) {}
+
+    Detail::OneMKL::ThreadUse threads;
+    Detail::DescriptorReserve reserve;
+};
+
 // The two transforms on plain memory, written once: a descriptor's life as oneMKL wants it. `check` is given
 // the status of each call in turn and may end the transform by throwing; the descriptor is then not freed.
 // Callers of the current generation see the first failure, those of the legacy generation none.
@@ -34,6 +45,7 @@ DFTI_DESCRIPTOR_HANDLE prepare(std::size_t n, Check const& check) {
 /// @param spectrum room for binsOf(n) interleaved pairs
 template<class Check>
 void transformForward(double const* samples, std::size_t n, double* spectrum, Check const& check) {
+    TransformScope const scope(n);
     DFTI_DESCRIPTOR_HANDLE handle = prepare(n, check);
     check(DftiCommitDescriptor(handle));
     check(DftiComputeForward(handle, const_cast<double*>(samples),
@@ -44,6 +56,7 @@ void transformForward(double const* samples, std::size_t n, double* spectrum, Ch
 /// @param samples room for n doubles
 template<class Check>
 void transformBackward(double const* spectrum, std::size_t n, double* samples, Check const& check) {
+    TransformScope const scope(n);
     DFTI_DESCRIPTOR_HANDLE handle = prepare(n, check);
     check(DftiSetValue(handle, DFTI_BACKWARD_SCALE, 1.0 / static_cast<double>(n)));
     check(DftiCommitDescriptor(handle));

@@ -1,0 +1,183 @@
+// How the library's calls into oneMKL get on with the process around them: no threads to be had, a child of
+// fork, a host that does something else in between, a host that traps floating-point exceptions.
+#include "kit/Allocations.h"
+#include "kit/Children.h"
+
+#include <Math/BLAS.h>
+#include <Math/FFT.h>
+#include <Math/LAPACK.h>
+#include <Math/Matrix2.h>
+#include <Math/Random.h>
+#include <Math/Vector2.h>
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <fenv.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <ctime>
+#include <fstream>
+#include <thread>
+
+namespace Tervane::Math {
+
+namespace {
+
+using TestKit::describe;
+using TestKit::runInChild;
+
+/// Large enough for oneMKL to use its threads.
+constexpr std::size_t order = 300;
+
+struct Problem {
+    Matrix2 ones = Matrix2(order, order, 1.0);
+    Matrix2 product = Matrix2(order, order, 0.0);
+    Matrix2 system = Matrix2(order, order, 1.0);
+    Vector2 rightHandSide = Vector2(order, static_cast<double>(order) + 1.0);
+
+    Problem() {
+        for (std::size_t i = 0; i < order; ++i)
+            system[i][i] = 2.0;
+    }
+
+    /// @return 0 when a product and a solution come out right, or which did not
+    int run() {
+        if (!BLAS::gemm(NoTranspose, NoTranspose, 1.0, ones, ones, 0.0, product) || product[0][0] != order
+            || product[order - 1][order - 1] != order)
+            return 1;
+        Matrix2 a = system;
+        Vector2 b = rightHandSide;
+        if (!LAPACK::gesv(a, b) || std::abs(b[0] - 1.0) > 1e-10 || std::abs(b[order - 1] - 1.0) > 1e-10)
+            return 2;
+        return 0;
+    }
+};
+
+std::size_t addressSpaceInUse() {
+    std::ifstream statistics("/proc/self/statm");
+    std::size_t pages = 0;
+    statistics >> pages;
+    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+/// Limits this process to its address space now and some more.
+void limitAddressSpace(std::size_t spareKiB) {
+    rlimit limit{};
+    limit.rlim_cur = limit.rlim_max = addressSpaceInUse() + spareKiB * 1024;
+    setrlimit(RLIMIT_AS, &limit);
+}
+
+double processorSeconds() {
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+// The first product of its process, so first in this file.
+TEST(ThreadUse, ProductIsComputedWithoutThreadsWhenNoneIsToBeHad) {
+    if (!TestKit::FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers need address space of their own";
+    for (std::size_t const spareKiB : {64, 256, 1024, 4096, 8192, 12288, 65536}) {
+        auto const outcome = runInChild([&] {
+            Problem problem;
+            limitAddressSpace(spareKiB);
+            return BLAS::gemm(NoTranspose, NoTranspose, 1.0, problem.ones, problem.ones, 0.0, problem.product)
+                           && problem.product[order - 1][order - 1] == order
+                       ? 0
+                       : 1;
+        });
+        EXPECT_TRUE(outcome.isClean()) << spareKiB << " KiB: " << describe(outcome);
+    }
+}
+
+// The same when the threads were there once, in the parent.
+TEST(ThreadUse, ChildOfForkComputesLikeItsParent) {
+    Problem problem;
+    ASSERT_EQ(problem.run(), 0);
+    auto const outcome = runInChild([&] {
+        if (int const wrong = problem.run(); wrong != 0)
+            return wrong;
+        auto const grandchild = runInChild([&] { return problem.run(); });
+        return grandchild.isClean() ? 0 : 3;
+    });
+    EXPECT_TRUE(outcome.isClean()) << describe(outcome);
+    auto const starved = runInChild([&] {
+        limitAddressSpace(64);
+        return BLAS::gemm(NoTranspose, NoTranspose, 1.0, problem.ones, problem.ones, 0.0, problem.product)
+                   ? 0
+                   : 1;
+    });
+    if (TestKit::FailingAllocations::areSupported()) {
+        EXPECT_TRUE(starved.isClean()) << describe(starved);
+    }
+    EXPECT_EQ(problem.run(), 0);
+}
+
+// The OpenMP runtime lets its threads look for work for 200 ms.
+TEST(ThreadUse, IdleHostPaysForNoThreads) {
+    Problem problem;
+    ASSERT_EQ(problem.run(), 0);
+    ASSERT_TRUE(BLAS::gemm(NoTranspose, NoTranspose, problem.ones, problem.ones));
+    double const before = processorSeconds();
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    EXPECT_LT(processorSeconds() - before, 0.05);
+}
+
+TEST(ThreadUse, OpenMPSettingsOfTheHostStayAsTheyAre) {
+    auto const blockTime = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "kmp_get_blocktime"));
+    if (blockTime == nullptr)
+        GTEST_SKIP() << "built without LLVM's OpenMP runtime";
+    int const before = blockTime();
+    Problem problem;
+    ASSERT_EQ(problem.run(), 0);
+    EXPECT_EQ(blockTime(), before);
+}
+
+TEST(ThreadUse, ThreadsThatEndMayBeFollowedByOthers) {
+    for (int i = 0; i < 20; ++i) {
+        int wrong = -1;
+        std::thread([&] { wrong = Problem().run(); }).join();
+        ASSERT_EQ(wrong, 0);
+    }
+}
+
+// A matrix of rank one takes the least-squares drivers through underflow from about 30 rows on.
+TEST(HeldTraps, DriversDoNotTrapInAHostThatUnmasksExceptions) {
+    auto const outcome = runInChild([] {
+        std::size_t const n = 40;
+        Matrix2 rankOne(n, n, 1.0);
+        for (std::size_t c = 0; c < n; ++c)
+            for (std::size_t r = 1; r < n; r += 2)
+                rankOne[c][r] = 2.0;
+        Matrix2 const constraint = Random::uniform(-1.0, 1.0, 1, n);
+        int const traps = FE_UNDERFLOW | FE_OVERFLOW | FE_INVALID | FE_DIVBYZERO;
+        feenableexcept(traps);
+        Matrix2 a1 = rankOne, a2 = rankOne, a3 = rankOne, c3 = constraint;
+        Vector2 const ones(n, 1.0);
+        Vector2 b1 = ones, b2 = ones, b3 = ones, d3(1, 1.0);
+        bool const isSolved = LAPACK::gelsd(a1, b1, -1.0).has_value();
+        static_cast<void>(LAPACK::gels(NoTranspose, a2, b2));
+        static_cast<void>(LAPACK::gglse(a3, c3, b3, d3));
+        return isSolved && fegetexcept() == traps ? 0 : 1;
+    });
+    EXPECT_TRUE(outcome.isClean()) << describe(outcome);
+}
+
+TEST(HeldTraps, MaskedExceptionsAreToldAsEver) {
+    feclearexcept(FE_ALL_EXCEPT);
+    Matrix2 a = Random::uniform(-1.0, 1.0, 20, 20);
+    Vector2 b = Random::uniform(-1.0, 1.0, 20);
+    feenableexcept(FE_DIVBYZERO);
+    auto const solved = LAPACK::gesv(a, b);
+    bool const isInexact = fetestexcept(FE_INEXACT) != 0;
+    fedisableexcept(FE_DIVBYZERO);
+    EXPECT_TRUE(solved.has_value());
+    EXPECT_TRUE(isInexact);
+}
+
+} // namespace
+
+} // namespace Tervane::Math
