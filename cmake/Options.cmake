@@ -24,6 +24,8 @@ if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
   message(NOTICE "${_shared_only}; BUILD_SHARED_LIBS=OFF does not reach it.")
 endif()
 
+option(TVNMATH_RECYCLE_STORAGE "Keep the storage of short-lived containers for the next ones" ON)
+
 set(TVNMATH_SANITIZE "" CACHE STRING "Empty, or the list for -fsanitize=, for example address,undefined")
 
 option(TVNMATH_BUILD_FUZZERS "Build the fuzzers (clang only, with TVNMATH_SANITIZE's fuzzer-no-link)" OFF)

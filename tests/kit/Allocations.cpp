@@ -1,5 +1,7 @@
 #include "kit/Allocations.h"
 
+#include <Math/Detail/RecyclingAllocator.h>
+
 #include <malloc.h>
 
 #include <cerrno>
@@ -14,6 +16,14 @@
 #    endif
 #endif
 
+namespace Tervane::Math::Detail {
+
+// Not every program that the kit is part of has the library.
+[[gnu::weak]] void suspendRecycling() noexcept;
+[[gnu::weak]] void resumeRecycling() noexcept;
+
+} // namespace Tervane::Math::Detail
+
 namespace {
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
@@ -23,6 +33,17 @@ thread_local constinit bool isCounting = false;
 thread_local constinit std::size_t allocationCount = 0;
 thread_local constinit std::size_t allocatedBytes = 0;
 thread_local constinit std::size_t largestAllocation = unlimited;
+thread_local constinit int watchers = 0;
+
+void beginWatching() {
+    if (watchers++ == 0 && Tervane::Math::Detail::suspendRecycling != nullptr)
+        Tervane::Math::Detail::suspendRecycling();
+}
+
+void endWatching() {
+    if (--watchers == 0 && Tervane::Math::Detail::resumeRecycling != nullptr)
+        Tervane::Math::Detail::resumeRecycling();
+}
 
 void note(std::size_t bytes) {
     if (isCounting) {
@@ -113,6 +134,7 @@ int posix_memalign(void** p, std::size_t alignment, std::size_t bytes) {
 namespace Tervane::Math::TestKit {
 
 AllocationCounter::AllocationCounter() {
+    beginWatching();
     allocationCount = 0;
     allocatedBytes = 0;
     isCounting = true;
@@ -120,6 +142,7 @@ AllocationCounter::AllocationCounter() {
 
 AllocationCounter::~AllocationCounter() {
     isCounting = false;
+    endWatching();
 }
 
 std::size_t AllocationCounter::count() const {
@@ -131,11 +154,13 @@ std::size_t AllocationCounter::bytes() const {
 }
 
 FailingAllocations::FailingAllocations(std::size_t largestThatSucceeds) {
+    beginWatching();
     largestAllocation = largestThatSucceeds;
 }
 
 FailingAllocations::~FailingAllocations() {
     largestAllocation = unlimited;
+    endWatching();
 }
 
 bool FailingAllocations::areSupported() {

@@ -3,7 +3,7 @@
 /// @file
 /// The growable storage that all containers share. Not an interface for callers.
 
-#include <Math/AlignedAllocator.h>
+#include <Math/Detail/RecyclingAllocator.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -181,6 +181,6 @@ private:
 };
 
 /// Real elements, on 64-byte boundaries.
-using RealArray = ElementArray<double, AlignedAllocator>;
+using RealArray = ElementArray<double, RecyclingAllocator>;
 
 } // namespace Tervane::Math::Detail
