@@ -1,6 +1,7 @@
 #include <Math/AlignedAllocator.h>
 #include <Math/Detail/RecyclingAllocator.h>
 
+#include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -11,7 +12,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <new>
-#include <pthread.h>
 #include <utility>
 
 // The sanitizers must see every block come and go.

@@ -26,6 +26,8 @@ namespace Tervane::Math::Detail {
 
 namespace {
 
+using Tervane::Math::TestKit::KeptStorage;
+
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
 // constinit keeps the accesses free of initialisation guards, which would themselves allocate.
@@ -33,15 +35,17 @@ thread_local constinit bool isCounting = false;
 thread_local constinit std::size_t allocationCount = 0;
 thread_local constinit std::size_t allocatedBytes = 0;
 thread_local constinit std::size_t largestAllocation = unlimited;
-thread_local constinit int watchers = 0;
+thread_local constinit int suspensions = 0;
 
-void beginWatching() {
-    if (watchers++ == 0 && Tervane::Math::Detail::suspendRecycling != nullptr)
+void suspendKeptStorage(KeptStorage keptStorage) {
+    if (keptStorage == KeptStorage::Suspended && suspensions++ == 0
+        && Tervane::Math::Detail::suspendRecycling != nullptr)
         Tervane::Math::Detail::suspendRecycling();
 }
 
-void endWatching() {
-    if (--watchers == 0 && Tervane::Math::Detail::resumeRecycling != nullptr)
+void resumeKeptStorage(KeptStorage keptStorage) {
+    if (keptStorage == KeptStorage::Suspended && --suspensions == 0
+        && Tervane::Math::Detail::resumeRecycling != nullptr)
         Tervane::Math::Detail::resumeRecycling();
 }
 
@@ -133,8 +137,8 @@ int posix_memalign(void** p, std::size_t alignment, std::size_t bytes) {
 
 namespace Tervane::Math::TestKit {
 
-AllocationCounter::AllocationCounter() {
-    beginWatching();
+AllocationCounter::AllocationCounter(KeptStorage keptStorage) : _keptStorage(keptStorage) {
+    suspendKeptStorage(_keptStorage);
     allocationCount = 0;
     allocatedBytes = 0;
     isCounting = true;
@@ -142,7 +146,7 @@ AllocationCounter::AllocationCounter() {
 
 AllocationCounter::~AllocationCounter() {
     isCounting = false;
-    endWatching();
+    resumeKeptStorage(_keptStorage);
 }
 
 std::size_t AllocationCounter::count() const {
@@ -153,14 +157,15 @@ std::size_t AllocationCounter::bytes() const {
     return allocatedBytes;
 }
 
-FailingAllocations::FailingAllocations(std::size_t largestThatSucceeds) {
-    beginWatching();
+FailingAllocations::FailingAllocations(std::size_t largestThatSucceeds, KeptStorage keptStorage)
+    : _keptStorage(keptStorage) {
+    suspendKeptStorage(_keptStorage);
     largestAllocation = largestThatSucceeds;
 }
 
 FailingAllocations::~FailingAllocations() {
     largestAllocation = unlimited;
-    endWatching();
+    resumeKeptStorage(_keptStorage);
 }
 
 bool FailingAllocations::areSupported() {

@@ -8,10 +8,14 @@
 
 namespace Tervane::Math::TestKit {
 
+/// Whether the library may give a container storage that it has kept, which the heap does not see. Where it
+/// may not, every container that asks for storage is seen to ask.
+enum class KeptStorage { Suspended, Allowed };
+
 /// Counts what the calling thread takes from the heap while it lives. Scopes do not nest.
 class AllocationCounter {
 public:
-    AllocationCounter();
+    explicit AllocationCounter(KeptStorage keptStorage = KeptStorage::Suspended);
     ~AllocationCounter();
 
     AllocationCounter(AllocationCounter const&) = delete;
@@ -22,12 +26,16 @@ public:
 
     /// Bytes asked for so far.
     std::size_t bytes() const;
+
+private:
+    KeptStorage _keptStorage;
 };
 
 /// Lets the calling thread's allocations above a size fail while it lives.
 class FailingAllocations {
 public:
-    explicit FailingAllocations(std::size_t largestThatSucceeds);
+    explicit FailingAllocations(std::size_t largestThatSucceeds,
+                                KeptStorage keptStorage = KeptStorage::Suspended);
     ~FailingAllocations();
 
     FailingAllocations(FailingAllocations const&) = delete;
@@ -35,6 +43,9 @@ public:
 
     /// False in the sanitizers' builds, whose heap cannot be made to fail.
     static bool areSupported();
+
+private:
+    KeptStorage _keptStorage;
 };
 
 /// Bytes of the heap that are in use now, by whomever.

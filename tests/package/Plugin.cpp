@@ -4,7 +4,7 @@
 #include <cmath>
 
 /// Computes on every runtime that stands behind the library: oneMKL's threads, the parallel algorithms'
-/// workers, a transform, and an error of a category.
+/// workers, a transform, storage that the thread keeps, and an error of a category.
 /// @return whether all came out right
 extern "C" __attribute__((visibility("default"))) bool compute() {
     using namespace Tervane::Math;
@@ -18,6 +18,10 @@ extern "C" __attribute__((visibility("default"))) bool compute() {
 
     Vector2 const sines = sin(zeros(100000));
     if (sum(sines) != 0.0)
+        return false;
+
+    // Short, so that the thread keeps its storage until it ends.
+    if (sum(zeros(100) + 1.0) != 100.0)
         return false;
 
     auto const spectrum = FFT::fft_real(zeros(100000) + 1.0);
