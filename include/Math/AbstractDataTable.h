@@ -33,28 +33,31 @@ public:
     AbstractDataTable& operator=(AbstractDataTable const&) noexcept = default;
     virtual ~AbstractDataTable();
 
-    /// The element at a position. Whether the position is tested is up to the concrete class; those of this
-    /// library do not test it. at() does.
+    /// The element at a position. Whether the position is checked is up to the concrete class; those of this
+    /// library do not check it. at() does.
     virtual double const& operator[](Index const& i) const = 0;
 
+    /// The number of columns.
     virtual std::size_t columns() const = 0;
 
     /// The first element. Null, or any address, when there is none.
     virtual double const* data() const = 0;
 
+    /// The number of rows.
     virtual std::size_t rows() const = 0;
 
     /// rows() and columns(), unless a class knows a shorter way.
     virtual Dimensions size() const;
 
-    /// @name Tested access
+    /// @name Checked access
     /// @{
 
     /// Whether the position lies in the table. rows() is asked first, columns() only when the row is valid.
     bool isValidIndex(Index const& i) const;
     bool isValidIndex(std::size_t row, std::size_t column) const;
 
-    /// The element at a position that is tested first. The only tested access to the tables of this family.
+    /// The element at a position that is checked first. The only checked access to the tables of this family
+    /// (compatibility C77).
     ///
     /// @throws std::out_of_range "data table index out of range"
     double const& at(Index const& i) const;

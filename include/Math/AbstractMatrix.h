@@ -40,13 +40,14 @@ public:
     /// The order of the elements behind data().
     virtual MatrixLayout majorOrder() const = 0;
 
-    /// Whether there are as many columns as rows, and any at all: an empty matrix is not square.
+    /// Whether there are as many columns as rows, and any at all: an empty matrix is not square
+    /// (compatibility C25).
     bool isSquare() const;
 
     /// The element-by-element product of this matrix and `b`, on the calling thread.
     ///
     /// Both operands are read through their virtual element access and nothing else, row after row, so any
-    /// two tables will do.
+    /// two tables will do (compatibility C76).
     ///
     /// @param error set on failure, left as it is on success: LinearAlgebraErrorCode::DimensionsMismatch when
     ///              the shapes differ, and unknown when anything else goes wrong, an exception of an
@@ -60,7 +61,7 @@ public:
     ///
     /// @param error set on failure, left as it is on success: LinearAlgebraErrorCode::DimensionsMismatch when
     ///              the shapes do not fit
-    /// @return what BLAS::gemm and BLAS::gemv return, on failure too
+    /// @return what BLAS::gemm and BLAS::gemv return, on failure too (compatibility C46)
     /// @{
     Matrix multiply(AbstractMatrix const& b, System::ErrorCode& error) const;
     Vector multiply(AbstractVector const& x, System::ErrorCode& error) const;

@@ -30,12 +30,12 @@ public:
 
     using AbstractDataTable::operator[];
 
-    /// Element `i`, untested. By default the one at row i, column 0 of a column and at row 0, column i of
+    /// Element `i`, unchecked. By default the one at row i, column 0 of a column and at row 0, column i of
     /// anything else.
     virtual double const& operator[](std::size_t i) const;
 
     /// By default the larger of the rows and columns that size() gives. An empty vector that keeps this
-    /// default therefore has length 1; callers rely on it.
+    /// default therefore has length 1 (compatibility C64).
     virtual std::size_t length() const;
 
     /// By default a column when size() has no more columns than rows, so an empty table and one of a single

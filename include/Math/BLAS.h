@@ -36,9 +36,11 @@ namespace BLAS {
 /// caller's C and gives its address; the others make C, with beta = 0 and, where it is not given, alpha = 1.
 /// With beta = 0 what C held does not matter, NaNs included.
 ///
-/// @return `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together or C is not M x N; C
-/// is then
-///         as it was
+/// A Transpose that is not listed counts as none (compatibility C44).
+///
+/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together or C is
+///         not M x N: mend the shapes. C is then as it was.
+///
 /// Complexity: O(M N K).
 /// @{
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose transB,
@@ -55,9 +57,11 @@ TVNMATH_API System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA,
 /// y := alpha op(A) x + beta y. The first form works on the caller's y and gives its address; the others make
 /// y, a column, with beta = 0 and, where it is not given, alpha = 1.
 ///
-/// A longer x is read in part and a longer y is written in part: the vectors must only not be too short.
+/// A longer x is read in part and a longer y is written in part: the vectors must only not be too short
+/// (compatibility C47).
 ///
-/// @return `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short; y is then as it was
+/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short; y is then as it was
+///
 /// Complexity: O(rows columns).
 /// @{
 TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha,
@@ -72,12 +76,13 @@ TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, 
 /// @name Linear solve without checks
 /// Solves A X = B by LU factorisation with partial pivoting. X overwrites B, the factors overwrite A; the
 /// value is the address of B. The order n of the system is the row count of B (of a vector, rows(): 1 for a
-/// row), and the number of right-hand sides its column count.
+/// row), and the number of right-hand sides its column count (compatibility C48).
 ///
 /// @pre A is n x n. Nothing checks this; LAPACK::gesv does.
-/// @return `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero, `InvalidParameter` when
-/// the driver
-///         refuses an argument, as it does for n = 0. A and B hold what the driver left in them.
+/// @return the address of B; `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero,
+///         `InvalidParameter` when the driver refuses an argument, as it does for n = 0. A and B hold what
+///         the driver left in them.
+///
 /// Complexity: O(n^3).
 /// @{
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gesv(Matrix2& A, Matrix2& B);
@@ -87,8 +92,9 @@ TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vect
 /// @name Matrix product, legacy
 /// As the current forms, on any matrix of the legacy family. A failure is
 /// `LinearAlgebraErrorCode::DimensionsMismatch` in `error`, which is left as it is on success; the result is
-/// returned all the same, as it stood. An exception, of a failed allocation for example, makes the error
-/// unknown, here and in the other legacy forms; a result that was to be made is then empty.
+/// returned all the same, as it stood (compatibility C45, C46). An exception, of a failed allocation for
+/// example, makes the error unknown, here and in the other legacy forms; a result that was to be made is then
+/// empty.
 /// @{
 TVNMATH_API Matrix& gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
                          AbstractMatrix const& B, double const& beta, Matrix& C, System::ErrorCode& error);

@@ -71,7 +71,7 @@ private:
     double* _parts;
 };
 
-/// A handle on one element of a constant ComplexVector. Valid as long as the vector keeps its storage.
+/// A handle on one element of a const ComplexVector. Valid as long as the vector keeps its storage.
 class ComplexView {
 public:
     /// The element whose real part is at `p`; the imaginary part follows it.
@@ -103,7 +103,7 @@ public:
 
     explicit ComplexVector(std::vector<std::complex<double>> const& values);
 
-    /// A copy can be constructed but not assigned.
+    /// A copy can be constructed but not assigned (compatibility C80).
     ComplexVector(ComplexVector const& other);
     ComplexVector(ComplexVector&& other) noexcept;
     ComplexVector& operator=(ComplexVector&& other) noexcept;
@@ -198,8 +198,7 @@ private:
 
 /// @name Complex vector and scalar
 /// Both parts of every element multiplied by `s`, or divided by it: not multiplied by 1/s. On the
-/// element-wise dispatch. The result takes over the elements of a vector that may be taken and is a copy of
-/// any other.
+/// element-wise dispatch. The result takes over the elements of an rvalue vector and is a copy of any other.
 ///
 /// The operators stand in the global namespace, and Tervane::Math names them too, so that code in any
 /// namespace finds them.
@@ -219,10 +218,11 @@ using ::operator/;
 
 /// @name Complex vector and real vector
 /// Both parts of element i of `z` multiplied by v[i], for every element of `z`, on the calling thread
-/// whatever the execution policy. The length of `v` is not tested: a shorter one is read behind its end.
+/// whatever the execution policy.
 ///
-/// The result takes over the elements of a `z` that may be taken and is a copy of any other. Either way `v`
-/// is copied once, so that there always is an allocation; callers rely on it.
+/// The result takes over the elements of an rvalue `z` and is a copy of any other. Either way `v` is copied
+/// once and nobody reads the copy, so there always is an allocation (compatibility C75).
+/// @pre `v` is not shorter than `z`; nothing checks this, so compare the lengths first
 /// @{
 TVNMATH_API ComplexVector operator*(ComplexVector&& z, Vector const& v);
 TVNMATH_API ComplexVector operator*(Vector const& v, ComplexVector&& z);

@@ -27,10 +27,10 @@ class Vector2;
 /// A growable array of complex doubles, real part first, with an orientation that decides its shape.
 ///
 /// Unlike the real containers its storage comes from the ordinary heap, without a promised alignment beyond
-/// 16 bytes. At most 2^60 - 1 elements: a request beyond that throws `std::length_error` ("vector too long")
-/// before anything is allocated, and `std::bad_alloc` is thrown when memory is short. Nothing else is
-/// checked. Different vectors may be used from different threads; one may be read from several as long as
-/// nobody writes to it.
+/// 16 bytes (compatibility C27). At most 2^60 - 1 elements: a request beyond that throws `std::length_error`
+/// ("vector too long") before anything is allocated, and `std::bad_alloc` is thrown when memory is short.
+/// Nothing else is checked. Different vectors may be used from different threads; one may be read from
+/// several as long as nobody writes to it.
 class TVNMATH_API ComplexVector2 {
 public:
     /// Empty, a column.
@@ -64,7 +64,7 @@ public:
     /// "[  ]".
     System::Expected<System::String2, System::ErrorCode2> toString();
 
-    /// A view of all elements with this vector's orientation. Not callable on a constant vector.
+    /// A view of all elements with this vector's orientation. Not callable on a const vector.
     ComplexVectorView2 view() noexcept { return ComplexVectorView2(data(), length(), _orientation); }
 
     /// @name Storage
@@ -78,8 +78,9 @@ public:
     std::size_t length() const noexcept { return _elements.length(); }
 
     /// @name Shape
-    /// Not callable on a constant vector: callers rely on the constness of each operation as it is.
+    /// Not callable on a const vector (compatibility C21).
     /// @{
+    /// Row or column.
     VectorOrientation orientation() noexcept { return _orientation; }
 
     /// (1, length) for a row, (length, 1) otherwise.
@@ -89,7 +90,7 @@ public:
     /// @name Compound assignment
     /// Multiplies or divides both parts of every element by the scalar, or by the element of `right` at the
     /// same place, in place, where the execution policy says. A division is a true one, not a multiplication
-    /// by the reciprocal.
+    /// by the reciprocal (compatibility C34).
     ///
     /// @pre `right` is not shorter than this vector; a longer one is read in part
     /// @{
@@ -113,12 +114,12 @@ private:
 /// Scalar / vector is the complex quotient d / z of every element z = (a, b), by R. L. Smith's scaling
 /// (Algorithm 116: Complex division, Comm. ACM 5(8), 1962): with |a| > |b|, r = b / a and t = r b + a give
 /// (d + 0 r, 0 - d r) / t; otherwise r = a / b and t = r a + b give (d r + 0, 0 r - d) / t. A NaN in z, or a
-/// t that is NaN or 0, gives (NaN, NaN), and z = 0 gives (d / a, 0 / a).
+/// t that is NaN or 0, gives (NaN, NaN), and z = 0 gives (d / a, 0 / a) (compatibility C35).
 ///
 /// There is no operator between two complex vectors, no addition and no subtraction.
 ///
 /// @pre a real vector is not shorter than the complex operand; a longer one is read in part. Nothing checks
-/// this.
+///      this.
 /// @throws std::bad_alloc when a new result cannot be allocated
 /// @{
 TVNMATH_API ComplexVector2 operator*(ComplexVector2&& left, double const& right);

@@ -38,16 +38,16 @@ public:
     /// Complex elements, not doubles.
     std::size_t length() const noexcept { return _length; }
 
-    /// Not callable on a constant view: callers rely on the constness of each operation as it is.
+    /// Row or column. Not callable on a const view (compatibility C21).
     VectorOrientation orientation() noexcept { return _orientation; }
 
     /// A view of `length` elements from element `start` on; the largest `std::size_t` means all that are
     /// left.
     ///
-    /// The slice is a column, whatever this view's orientation is: callers rely on it. Not callable on a
-    /// constant view.
+    /// The slice is a column, whatever this view's orientation is (compatibility C28). Not callable on a
+    /// const view (compatibility C21).
     ///
-    /// @pre the slice lies in this view
+    /// @pre the slice lies in this view; compare with length() first
     ComplexVectorView2 sliced(std::size_t start, std::size_t length) noexcept {
         bool const isRest = length == std::numeric_limits<std::size_t>::max();
         return ComplexVectorView2(_data + 2 * start, isRest ? _length - start : length, Column);

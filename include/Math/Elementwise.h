@@ -21,9 +21,9 @@ namespace Tervane::Math {
 /// result[k] = f(x[k]), in the argument's length and orientation, computed where the execution policy says.
 /// Every element is, bit for bit, what the scalar function of the run-time library gives for it, under every
 /// policy: `std::sin`, `std::cos`, `std::exp`, `std::log10`, `std::sqrt`, and for `pow` `std::pow(x[k],
-/// double(n))`, the general power function, so that a negative exponent of zero gives an infinity and the
-/// exponent 0 gives 1 for every x, NaN included. `abs` clears the sign bit, so -0.0 becomes 0.0 and a NaN
-/// keeps its payload.
+/// double(n))`, the general power function (compatibility C36), so that a negative exponent of zero gives an
+/// infinity and the exponent 0 gives 1 for every x, NaN included. `abs` clears the sign bit, so -0.0 becomes
+/// 0.0 and a NaN keeps its payload.
 ///
 /// A vector given as rvalue lends its storage and nothing is allocated: a Vector2 is left empty, a Vector
 /// moved-from. Of any other the result is new, written in one pass, and allocates once. A view is not
@@ -68,7 +68,7 @@ TVNMATH_API Vector pow(Vector const& x, int n);
 
 /// @name Magnitudes of complex vectors
 /// result[k] = `std::hypot` of the parts of z[k], which neither overflows nor underflows on the way. The
-/// result is a column, also of a row. Computed where the execution policy says.
+/// result is a column, of a row too (compatibility C37). Computed where the execution policy says.
 ///
 /// @throws std::bad_alloc when the result cannot be allocated
 /// @{

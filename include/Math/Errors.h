@@ -23,7 +23,8 @@
 
 namespace Tervane::Math {
 
-/// Failures of the BLAS and LAPACK wrappers; category "math-la".
+/// Failures of the BLAS and LAPACK wrappers; category "math-la". Three of them share a text (compatibility
+/// C2).
 enum LinearAlgebraErrc : std::int32_t {
     TableNotVector = 0,          ///< "table is not a vector"
     SolutionNotComputed = 1,     ///< "solution could not be computed": a zero pivot
@@ -31,12 +32,11 @@ enum LinearAlgebraErrc : std::int32_t {
     DimensionsMismatch = 3,      ///< "dimensions mismatch": mend the shapes of the operands
     InvalidParameter = 4,        ///< "invalid parameter": an argument that the driver itself refused
     ConstraintRankDeficient = 5, ///< "solution could not be computed": the constraints are not independent
-    SystemRankDeficient =
-        6,                  ///< "solution could not be computed": constraints and model do not fix a solution
-    LeastSquaresFailed = 7, ///< no text of its own, and callers see "Unrecognised error (7)": a deficient
-                            ///< rank in `gels`, a decomposition that did not converge in `gelsd`
-    MatrixNotSquare = 8,    ///< "matrix is not square"
-    MatrixSingular = 9,     ///< "matrix is singular"
+    SystemRankDeficient = 6,     ///< "solution could not be computed": the solution is not unique
+    LeastSquaresFailed = 7,      ///< no text of its own (compatibility C1): a deficient rank in `gels`, a
+                                 ///< decomposition that did not converge in `gelsd`
+    MatrixNotSquare = 8,         ///< "matrix is not square"
+    MatrixSingular = 9,          ///< "matrix is singular"
 };
 
 /// Failures of the Fourier transforms; category "math-fft".
@@ -47,6 +47,7 @@ enum FFTErrc : std::int32_t {
     DimensionTooLarge = 3,         ///< "Length of a dimension exceeds maximum size for int32"
     MemoryError = 4,               ///< "Memory error"
     DataSizeTooLarge = 5,     ///< "Data size of a transform exceeds maximum size for int32"; never reported
+                              ///< (compatibility C5)
     InternalError = 6,        ///< "Internal library error"
     MultithreadedError = 7,   ///< "Multithreaded error"
     NumberOfThreadsError = 8, ///< "Number of threads error"
@@ -93,6 +94,7 @@ enum class LinearAlgebraErrorCode : std::int32_t {
 /// The legacy category of LinearAlgebraErrorCode.
 class TVNMATH_API LinearAlgebraErrorCategory : public System::ErrorCategory {
 public:
+    /// Another object than get() gives: its codes are of another category.
     LinearAlgebraErrorCategory();
     ~LinearAlgebraErrorCategory() override;
 
@@ -100,7 +102,7 @@ public:
     /// does not list and for `LeastSquaresFailed`.
     System::String message(int code) const override;
 
-    /// "math_la": with an underscore, where the current category has a hyphen.
+    /// "math_la": with an underscore, where the current category has a hyphen (compatibility C3).
     System::String name() const override;
 
     /// The one object that codes of this category refer to.
@@ -139,11 +141,11 @@ struct TVNMATH_API ErrorCodeEnumConstructor<Math::MathErrc> {
 template<>
 class TVNMATH_API ErrorBuilder<Math::LinearAlgebraErrorCode> {
 public:
+    /// The error of `code`.
     static ErrorCode make(Math::LinearAlgebraErrorCode code);
 
     /// @name With a text
-    /// The text is accepted and dropped, the error is that of make(code): callers rely on both forms being
-    /// there.
+    /// The text is accepted and dropped, the error is that of make(code) (compatibility C4).
     /// @{
     static ErrorCode make(Math::LinearAlgebraErrorCode code, String&& text);
     static ErrorCode make(Math::LinearAlgebraErrorCode code, String const& text);

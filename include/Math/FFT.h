@@ -9,8 +9,8 @@
 /// auto const again = FFT::ifft_real(spectrum.value(), samples.length());     // the samples, up to rounding
 /// @endcode
 ///
-/// The length may be any number; it is fastest when all of its prime factors are small. Complexity: O(n log
-/// n). Each call sets up a transform of its own, so calls may run on any threads at once.
+/// The length may be any number; it is fastest when all of its prime factors are small.
+/// Complexity: O(n log n). Each call sets up a transform of its own, so calls may run on any threads at once.
 
 #include <Math/ComplexVector2.h>
 #include <Math/Export.h>
@@ -27,24 +27,29 @@ class Vector;
 
 namespace FFT {
 
-/// The one-sided spectrum of n real samples: X[k] = sum over j of x[j] exp(-2 pi i j k / n) for k = 0 … n /
-/// 2, unscaled; n / 2 + 1 bins by integer division. The result is a column.
+/// The one-sided spectrum of the n real samples `x`, unscaled:
 ///
-/// @return the spectrum, or an `FFTErrc`: for no samples that of the transform that could not be set up
+///     X[k] = sum over j of x[j] exp(-2 pi i j k / n)     for k = 0 ... n / 2
+///
+/// that is n / 2 + 1 bins by integer division. The result is a column.
+///
+/// @return the spectrum, or an `FFTErrc` (compatibility C5): for no samples that of the transform that could
+///         not be set up. After a failing step the descriptor stays (compatibility C57).
 TVNMATH_API System::Expected<ComplexVector2, System::ErrorCode2> fft_real(Vector2 const& x);
 
 /// The n real samples of a one-sided spectrum, scaled by 1 / n, so that it undoes fft_real(). The result is a
 /// column.
 ///
-/// @param n the number of samples to rebuild; whether it is even decides whether the last bin is the Nyquist
-/// bin
-/// @pre X has at least n / 2 + 1 elements; nothing checks this, and elements behind them are not read
+/// @param X a spectrum of at least n / 2 + 1 bins; nothing checks this. Bins past those are not read.
+/// @param n the number of samples to rebuild; whether it is even decides whether the last bin that is read is
+///        the Nyquist bin
 /// @return the samples, or an `FFTErrc`
 TVNMATH_API System::Expected<Vector2, System::ErrorCode2> ifft_real(ComplexVector2 const& X, std::size_t n);
 
 /// @name Legacy
-/// The same transforms. Callers rely on `error` never being written: a transform that cannot be set up, as
-/// for a length of 0, leaves the result as it was made, zeros of length n / 2 + 1 or n.
+/// The same transforms. `error` is never written (compatibility C58): a transform that cannot be set up, as
+/// for a length of 0, leaves the result as it was made, zeros of length n / 2 + 1 or n. Use the current forms
+/// to hear of failures.
 /// @{
 TVNMATH_API ComplexVector fft_real(Vector const& x, System::ErrorCode& error);
 TVNMATH_API Vector ifft_real(ComplexVector const& X, std::size_t n, System::ErrorCode& error);

@@ -34,12 +34,12 @@ TVNMATH_API Vector2 arange(int stop);
 ///
 /// Length and values are counted in 32-bit arithmetic that wraps: a distance of 2^31 or more gives a length
 /// that is smaller by 2^32, so none for most such ranges, and past the largest integer the values go on from
-/// the smallest.
+/// the smallest (compatibility C38).
 TVNMATH_API Vector2 arange(int start, int stop);
 
 /// A column of `n` points from `start` to `stop`, each the one before plus (stop - start) / (n - 1): a
-/// running sum, so that rounding accumulates. The last is exactly `stop`, also when it is the only one. Empty
-/// for no points.
+/// running sum, so that rounding accumulates. The last is exactly `stop`, also when it is the only one
+/// (compatibility C39). Empty for no points.
 TVNMATH_API Vector2 linspace(double const& start, double const& stop, std::size_t n);
 
 } // namespace Tervane::Math

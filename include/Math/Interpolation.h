@@ -26,15 +26,18 @@ namespace Tervane::Math {
 /// (xp[k], fp[k]), where k is the first index with xp[k] >= q:
 /// `std::lerp(fp[k-1], fp[k], (q - xp[k-1]) / (xp[k] - xp[k-1]))`.
 ///
-/// Beyond the table the end values are held: above the last breakpoint the last element of `fp` (of its own
-/// length, should it be longer than `xp`), up to the first breakpoint fp[0]. A query equal to several equal
-/// breakpoints gets the value at the first of them. A NaN counts as below the table.
+/// Outside the table the end values are held: above the last breakpoint the last element of `fp` (of its own
+/// length, should it be longer than `xp`; compatibility C40), up to the first breakpoint fp[0]. A query equal
+/// to several equal breakpoints gets the value at the first of them (compatibility C42). A NaN counts as
+/// below the table.
 ///
 /// The result has the length and orientation of `x`. An rvalue lends its storage and is left empty; otherwise
 /// the result is new. Computed where the execution policy says, with the same values under all of them, in
 /// O(log n) for each element.
 ///
-/// @pre `xp` ascends, and `fp` has an element for each breakpoint and is not empty
+/// @param x the queries
+/// @param xp the breakpoints, in ascending order
+/// @param fp the values: one for each breakpoint, and at least one
 /// @throws std::bad_alloc when a new result cannot be allocated
 /// @{
 TVNMATH_API Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp);
@@ -47,8 +50,8 @@ TVNMATH_API double interp(double const& x, Vector2 const& xp, Vector2 const& fp)
 /// @}
 
 /// @name Interpolation of legacy vectors
-/// As above but for one difference, which callers rely on: up to the first breakpoint the result is xp[0],
-/// the breakpoint itself, not fp[0].
+/// As above but for one difference: up to the first breakpoint the result is xp[0], the breakpoint itself,
+/// not fp[0] (compatibility C41).
 ///
 /// `fp` is read through its virtual operations, under the parallel policies from several threads at once.
 /// @{

@@ -36,53 +36,66 @@ namespace LAPACK {
 
 /// Solves A x = b by LU factorisation with partial pivoting; x replaces b, the factors replace A.
 ///
-/// @return `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero. For an A that is not
-/// square, or
-///         whose row count is not b.rows(), the error -1 of the system category: callers rely on not getting
-///         a code of the linear-algebra category there.
+/// @param A a square matrix
+/// @param b a column with an element for each row of A
+/// @return `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero (compatibility C49):
+///         mend the system. For an A that is not square, or whose row count is not b.rows(), the error -1 of
+///         the system category and no code of the linear-algebra category (compatibility C50): compare the
+///         shapes first.
+///
 /// Complexity: O(n^3).
 TVNMATH_API System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2& b);
 
 /// Minimises ||b - op(A) x|| for an A of full rank by QR or LQ factorisation, or finds the x of least norm
-/// when the system is underdetermined. x replaces the leading elements of b; behind it stand the residuals'
-/// coordinates.
+/// when the system is underdetermined. x replaces the leading elements of b, which is not shortened: past x
+/// stand the residuals' coordinates (compatibility C52).
 ///
-/// b must be a column with room for the longer of the two sides of A: a row, or a vector too short, is
-/// refused. So is `ConjugateTransposed`, which the driver for real numbers does not know.
-///
+/// @param trans NoTranspose or Transposed; `ConjugateTransposed` is refused, since the driver for real
+///        numbers does not know it (compatibility C53)
+/// @param A a matrix of full rank, m x n; its factors replace it
+/// @param b a column with room for the longer of the two sides of A; a row, or a vector too short, is refused
+///        (compatibility C51)
 /// @return `LinearAlgebraErrc::InvalidParameter` for what the driver refuses, `LeastSquaresFailed` when A is
-/// exactly
-///         rank-deficient
+///         exactly rank-deficient: gelsd() solves such a problem
+///
 /// Complexity: O(m n min(m, n)).
 TVNMATH_API System::Expected<void, System::ErrorCode2> gels(Transpose trans, Matrix2& A, Vector2& b);
 
 /// Finds the x of least norm that minimises ||b - A x|| by singular value decomposition, divide and conquer;
-/// A may be rank-deficient. Singular values below rcond times the largest count as zero; a negative rcond
-/// means the machine precision. x replaces the leading elements of b, which must have room for the longer of
-/// the two sides of A. The rank and the singular values are not returned.
+/// A may be rank-deficient. x replaces the leading elements of b. The rank and the singular values are not
+/// returned.
 ///
+/// @param A any matrix, m x n; the driver overwrites it
+/// @param b a column with room for the longer of the two sides of A
+/// @param rcond singular values below rcond times the largest count as zero; a negative one means the machine
+///        precision
 /// @return `LinearAlgebraErrc::InvalidParameter` for what the driver refuses, `LeastSquaresFailed` when the
-///         decomposition does not converge
+///         decomposition does not converge, as with a NaN or an infinity in A
+///
 /// Complexity: O(m n min(m, n)).
 TVNMATH_API System::Expected<void, System::ErrorCode2> gelsd(Matrix2& A, Vector2& b, double const& rcond);
 
-/// Minimises ||c - A x|| subject to B x = d, by a generalised RQ factorisation. c and d may be longer than A
-/// and B have rows; A, B, c and d are overwritten.
+/// Minimises ||c - A x|| subject to B x = d, by a generalised RQ factorisation. A, B, c and d are
+/// overwritten.
 ///
-/// @return x, a column of A.columns() elements; `LinearAlgebraErrc::InvalidParameter` for an A without rows
-/// or columns
-///         and for what the driver refuses, `DimensionsMismatch` when A and B differ in columns or c or d is
-///         too short, `ConstraintRankDeficient` when the rows of B are not independent, `SystemRankDeficient`
-///         when A and B together do not fix x
+/// @param A m x n, neither of them 0
+/// @param B p x n, with p <= n <= m + p
+/// @param c at least m elements; a longer one is read in part
+/// @param d at least p elements; a longer one is read in part
+/// @return x, a column of n elements; `LinearAlgebraErrc::InvalidParameter` for an A without rows or columns
+///         (compatibility C54) and for what the driver refuses, `DimensionsMismatch` when A and B differ in
+///         columns or c or d is too short, `ConstraintRankDeficient` when the rows of B are not independent,
+///         `SystemRankDeficient` when A and B together do not fix x
+///
 /// Complexity: O(n^2 (m + p)).
 TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gglse(Matrix2& A, Matrix2& B, Vector2& c,
                                                                 Vector2& d);
 
 /// @name Legacy
 /// As the current forms, with the codes of LinearAlgebraErrorCode in `error`, which is left as it is on
-/// success. Here `gesv` does tell MatrixNotSquare and DimensionsMismatch. An exception, of a failed
-/// allocation for example, is described in `error` too. `gelsd` takes the error before rcond. `gglse` gives
-/// an empty vector on any error.
+/// success (compatibility C8). Here `gesv` does tell MatrixNotSquare and DimensionsMismatch. An exception, of
+/// a failed allocation for example, is described in `error` too (compatibility C55). `gelsd` takes the error
+/// before rcond. `gglse` gives an empty vector on any error.
 /// @{
 TVNMATH_API void gesv(Matrix& A, Vector& b, System::ErrorCode& error);
 TVNMATH_API void gels(Transpose trans, Matrix& A, Vector& b, System::ErrorCode& error);

@@ -41,11 +41,15 @@ public:
     /// A single solution.
     LinearAlgebraResult(Vector&& solutions, Vector&& residuals, System::ErrorCode&& error);
 
+    /// @name Moves
+    /// What is moved from may only be destroyed or assigned to.
+    /// @{
     LinearAlgebraResult(LinearAlgebraResult&& other) noexcept;
     LinearAlgebraResult& operator=(LinearAlgebraResult&& other) noexcept;
     ~LinearAlgebraResult() override;
+    /// @}
 
-    /// 1 for a vector, even an empty one; the number of columns for a matrix.
+    /// 1 for a vector, even an empty one (compatibility C56); the number of columns for a matrix.
     std::size_t numberSolutions() const;
 
     /// @name Views
@@ -60,6 +64,7 @@ public:
     /// none.
     double rss(std::size_t i) const;
 
+    /// Whether the solve ended with an error.
     bool hasError() const;
 
     /// What the result was made with.

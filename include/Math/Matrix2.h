@@ -45,8 +45,8 @@ public:
     /// A copy that allocates exactly what it needs.
     Matrix2(Matrix2 const& other) = default;
 
-    /// Takes over the storage of `other`, which is left with none but still reports its old dimensions:
-    /// callers rely on it.
+    /// Takes over the storage of `other`, which is left with none but still reports its old dimensions
+    /// (compatibility C23).
     Matrix2(Matrix2&& other) noexcept = default;
 
     /// Copies elements and dimensions; this matrix's storage is used again when it suffices, and otherwise
@@ -71,21 +71,27 @@ public:
 
     /// @name Columns
     /// The address of the first element of column `c`, so that `m[c][r]` is element (r, c): the column comes
-    /// first.
+    /// first (compatibility C24).
     /// @pre `c` is below columns()
     /// @{
     double* operator[](std::size_t c) noexcept { return data() + c * rows(); }
     double const* operator[](std::size_t c) const noexcept { return data() + c * rows(); }
     /// @}
 
+    /// @name Shape
+    /// @{
+
+    /// The number of rows.
     std::size_t rows() const noexcept { return _dimensions.rows(); }
+    /// The number of columns.
     std::size_t columns() const noexcept { return _dimensions.columns(); }
 
-    /// Not callable on a constant matrix: callers rely on the constness of each operation as it is.
+    /// Rows and columns. Not callable on a const matrix (compatibility C21).
     Dimensions size() noexcept { return _dimensions; }
 
-    /// As many rows as columns; true for 0 x 0.
+    /// As many rows as columns; true for 0 x 0 (compatibility C25).
     bool isSquare() const noexcept { return rows() == columns(); }
+    /// @}
 
     /// @name Storage
     /// The elements, column after column; null when there are none.

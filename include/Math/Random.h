@@ -25,7 +25,8 @@ namespace Tervane::Math {
 ///
 /// A value is (hi - lo) u + lo, where two successive outputs x1 and x2 of the generator make u = (x1 + x2
 /// 2^32) / 2^64. Rounding can make u 1, once in about 2^54 values, and the value then is hi: nothing clamps
-/// it. Nothing checks the order of `lo` and `hi` either; with lo above hi the values lie in (hi, lo].
+/// it (compatibility C62). Nothing checks the order of `lo` and `hi` either; with lo above hi the values lie
+/// in (hi, lo].
 ///
 /// Literature: M. Matsumoto, T. Nishimura, "Mersenne Twister: a 623-dimensionally equidistributed uniform
 /// pseudo-random number generator", ACM Transactions on Modeling and Computer Simulation 8 (1998).
@@ -37,7 +38,7 @@ public:
     /// @throws std::exception what `std::random_device` throws when the system gives no entropy
     static Vector2 uniform(double const& lo, double const& hi, std::size_t n);
 
-    /// A matrix of values, drawn row by row: the first ones go along row 0.
+    /// A matrix of values, drawn row by row: the first ones go along row 0 (compatibility C63).
     ///
     /// @throws std::length_error ("vector too long"), std::bad_alloc when the result cannot be allocated
     /// @throws std::exception what `std::random_device` throws when the system gives no entropy

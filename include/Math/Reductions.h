@@ -22,9 +22,9 @@ namespace Tervane::Math {
 /// The sum of the elements; 0.0 for none.
 ///
 /// The execution policy decides its order. Under the parallel policies that order is not fixed. Under any
-/// other, four running sums collect the elements whose index is 0, 1, 2, 3 modulo 4, are joined as 0.0 +
-/// ((s0 + s2) + (s1 + s3)), and the up to three elements left over are added one at a time; fewer than four
-/// elements are added from left to right.
+/// other it is, so that a sum has the same bits on every machine: four running sums over the elements whose
+/// index is 0, 1, 2, 3 modulo 4, joined as `0.0 + ((s0 + s2) + (s1 + s3))`, then the up to three elements
+/// left over. Compatibility C12 describes the order in full.
 /// @{
 TVNMATH_API double sum(Vector2 const& x);
 TVNMATH_API double sum(Vector const& x);
@@ -32,16 +32,17 @@ TVNMATH_API double sum(Vector const& x);
 
 /// @name Mean
 /// The elements added from left to right on the calling thread whatever the execution policy, divided by
-/// their number: so it may differ from the sum divided by the length in its last bits. A NaN for none.
+/// their number: so it may differ from the sum divided by the length in its last bits (compatibility C11 and
+/// C13). A NaN for none.
 /// @{
 TVNMATH_API double mean(Vector2 const& x);
 TVNMATH_API double mean(Vector const& x);
 /// @}
 
 /// @name Maximum
-/// The largest element, the first of several equal ones, so that of 0.0 and -0.0 the first counts. A NaN at
-/// the front is the result, a NaN anywhere else is passed over, as in `std::max_element`. A quiet NaN for an
-/// empty vector. Runs on the calling thread whatever the execution policy.
+/// The largest element, the first of several equal ones, so that of 0.0 and -0.0 the first counts. A NaN in
+/// front is the result, a NaN anywhere else is passed over, as in `std::max_element`; a quiet NaN for an
+/// empty vector (compatibility C43). Runs on the calling thread whatever the execution policy.
 /// @{
 TVNMATH_API double max(Vector2 const& x);
 TVNMATH_API double max(Vector const& x);

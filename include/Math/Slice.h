@@ -16,8 +16,8 @@ class Slice;
 ///
 /// @param start first position; a negative one counts from the end
 /// @param stop position to stop before; a negative one counts from the end
-/// @param step distance between selected positions; negative to walk backward
-/// @pre `step` is not 0: resolving such a slice divides by it. Nothing checks this.
+/// @param step distance between selected positions; negative to walk backward, never 0: resolving such a
+///        slice divides by it, and nothing checks this
 constexpr Slice makeSlice(int start, int stop, int step) noexcept;
 
 /// The positions start, start + step, start + 2 step, … before stop, resolved against a vector when it is
@@ -26,13 +26,18 @@ constexpr Slice makeSlice(int start, int stop, int step) noexcept;
 /// With n elements, a negative start or stop has n added. A start beyond the vector (or still negative)
 /// becomes n, or n - 1 when the step is not positive. A stop beyond it becomes n, or n - 1 when the stop
 /// given to makeSlice() was not positive. (stop - start) / step elements are selected, truncated toward zero
-/// and at least none: a last partial stride is dropped, so (0, 10, 3) selects 0, 3 and 6 of ten. Callers rely
-/// on both the truncation and the two different clamps. All of it is 32-bit arithmetic.
+/// and at least none: a last partial stride is dropped, so (0, 10, 3) selects 0, 3 and 6 of ten
+/// (compatibility C15). The two clamps differ (compatibility C16). All of it is 32-bit arithmetic
+/// (compatibility C18).
 class Slice {
 public:
+    /// @name Fields
+    /// As given to makeSlice().
+    /// @{
     constexpr int start() const noexcept { return _start; }
     constexpr int stop() const noexcept { return _stop; }
     constexpr int step() const noexcept { return _step; }
+    /// @}
 
 private:
     friend constexpr Slice makeSlice(int start, int stop, int step) noexcept;

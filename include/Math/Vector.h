@@ -30,8 +30,8 @@ namespace Tervane::Math {
 /// a column has one column, a row one row. New vectors are columns unless a constructor says otherwise, and
 /// only construction and assignment set the orientation.
 ///
-/// Neither an index nor a length is tested; at() is. A moved-from vector has no elements to ask about and may
-/// only be destroyed or assigned to. Reading one vector from several threads is safe, writing needs
+/// Only at() checks an index, and nothing checks a length. A moved-from vector has no elements to ask about
+/// and may only be destroyed or assigned to. Reading one vector from several threads is safe, writing needs
 /// synchronisation. More than 2^61 - 1 elements are refused with std::length_error "vector too long" before
 /// anything is allocated, and memory that cannot be had throws std::bad_alloc.
 class TVNMATH_API Vector : public System::BasicObject<AbstractVector> {
@@ -48,13 +48,15 @@ public:
     /// A copy of the `n` doubles at `p`.
     Vector(double const* p, std::size_t n);
 
+    /// A copy of a standard vector.
     explicit Vector(std::vector<double> const& values);
 
     /// The listed values.
     Vector(std::initializer_list<double> values);
 
     /// @name Concatenation
-    /// The elements of the given vectors one after the other, as a column whatever the vectors are.
+    /// The elements of the given vectors one after the other, as a column whatever the vectors are
+    /// (compatibility C66).
     ///
     /// Copy a single vector with parentheses: in braces it is a list of one for some compilers, which makes a
     /// column of it, and a copy for others.
@@ -64,20 +66,23 @@ public:
     /// @}
 
     /// A copy of any vector in its orientation. Length and elements are asked for through the virtual
-    /// operations, the length again before each element. Beware of an empty ViewVector: its length is 1, so
-    /// an element is read that may not be there.
+    /// operations, the length again before each element (compatibility C67). Beware of an empty ViewVector:
+    /// its length is 1, so an element is read that may not be there.
     explicit Vector(AbstractVector const& v);
 
     /// Zeros, as many as the larger of the dimensions; a row when there are several columns. The fill is not
-    /// used: callers rely on the zeros.
+    /// used (compatibility C65).
     Vector(Dimensions const& dimensions, double const& fill);
 
+    /// A copy of elements and orientation; its capacity is its length.
     Vector(Vector const& other);
+    /// Takes over the data object of `other`, which is left without one.
     Vector(Vector&& other) noexcept;
 
     /// Copies elements and orientation into the storage of this vector when it suffices; otherwise into new
     /// storage with room for half as many elements again as this vector had, at least.
     Vector& operator=(Vector const& other);
+    /// Takes over the data object of `other`, which is left without one.
     Vector& operator=(Vector&& other) noexcept;
     ~Vector() override;
 
@@ -98,6 +103,8 @@ public:
 
     /// @name Elements
     /// @{
+
+    /// Element `i`, unchecked; at() checks.
     double const& operator[](std::size_t i) const override;
     double& operator[](std::size_t i);
 
@@ -105,18 +112,20 @@ public:
     double const& operator[](Index const& i) const override;
     double& operator[](Index const& i);
 
-    /// The selected elements as a new column, whatever the orientation of this vector. Slice tells which
-    /// ones; that they exist is not tested.
+    /// The selected elements as a new column, whatever the orientation of this vector (compatibility C17).
+    /// Slice tells which ones.
     ///
-    /// @pre The slice's step is not 0.
+    /// @pre the slice's step is not 0, and the selected positions lie in this vector
     Vector operator[](Slice const& slice) const;
 
+    /// Element `i`, unchecked.
     double const& value(std::size_t i) const override;
 
     /// The first element; null when nothing was ever allocated.
     double const* data() const override;
     double* data();
 
+    /// data(), and data() plus length(): so a vector can be iterated over.
     double const* begin() const;
     double* begin();
     double const* end() const;
@@ -134,11 +143,18 @@ public:
     /// @}
 
     /// @name Shape
+    /// An orientation that is neither Row nor Column is one by one (compatibility C78).
     /// @{
+
+    /// The length of a row, otherwise 1.
     std::size_t columns() const override;
+    /// The length of a column, otherwise 1.
     std::size_t rows() const override;
+    /// (1, length) for a row, (length, 1) otherwise.
     Dimensions size() const override;
+    /// The number of elements.
     std::size_t length() const override;
+    /// Row or column.
     VectorOrientation orientation() const override;
     /// @}
 
@@ -149,24 +165,24 @@ public:
     Vector& sort();
 
     /// @name Comparison with a threshold
-    /// For each element whether it is below or above `t`; false for a NaN. On a vector that may be written
-    /// only.
+    /// For each element whether it is below or above `t`; false for a NaN. Not callable on a const vector
+    /// (compatibility C21).
     /// @{
     std::vector<bool> operator<(double const& t);
     std::vector<bool> operator>(double const& t);
     /// @}
 
-    /// A copy that is *not* negated: callers rely on the minus of a named vector giving its elements as they
-    /// are. To negate one, write `0.0 - v`, or move it.
+    /// A copy that is *not* negated (compatibility C70). To negate a named vector, write `-Vector(v)`.
     Vector operator-() const&;
 
     /// Flips the sign of every element in place, of zeros and NaNs too. The result takes the elements over.
     Vector operator-() &&;
 
     /// @name Compound assignment
-    /// In place, for every element of this vector, on the element-wise dispatch. The length of `b` is not
-    /// tested: a shorter one is read behind its end. The forms for any vector read its elements in order from
-    /// data().
+    /// In place, for every element of this vector, on the element-wise dispatch. The forms for any vector
+    /// read its elements in order from data().
+    ///
+    /// @pre `b` is not shorter than this vector; nothing checks this, so compare the lengths first
     /// @{
     Vector& operator+=(Vector const& b);
     Vector& operator-=(Vector const& b);
@@ -178,15 +194,15 @@ public:
 } // namespace Tervane::Math
 
 /// @name Sum and difference of two vectors
-/// Element by element, on the element-wise dispatch. An operand that may be taken lends its elements, its
-/// storage and its orientation to the result, the left one if both may be, and nothing is allocated.
+/// Element by element, on the element-wise dispatch. An rvalue operand lends its elements, its storage and
+/// its orientation to the result, the left one if both are rvalues, and nothing is allocated.
 ///
-/// The result has the length of that operand, except that a[i] - b[i] with only `b` to be taken runs over the
-/// length of `a`. Lengths are not tested: they must be equal.
+/// The result has the length of that operand. `a - std::move(b)` with a named `a` runs over the length of `a`
+/// all the same (compatibility C72).
 ///
-/// At least one operand must be there to be taken: `a + b` with two named vectors does not compile. Write
-/// `Vector(a) + b`. The operators stand in the global namespace, and Tervane::Math names them too, so that
-/// code in any namespace finds them.
+/// At least one operand must be an rvalue: `a + b` with two named vectors does not compile (compatibility
+/// C73). Write `Vector(a) + b`. The operators stand in the global namespace, and Tervane::Math names them
+/// too, so that code in any namespace finds them.
 /// @{
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector&& a, Tervane::Math::Vector const& b);
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector&& a, Tervane::Math::Vector&& b);
@@ -202,8 +218,8 @@ using ::operator+;
 using ::operator-;
 
 /// @name Product of two vectors
-/// Element by element; operands, lengths and orientation as in the sum. Of two operands that must stay as
-/// they are, the left one is copied.
+/// Element by element; operands, lengths and orientation as in the sum. Of two named operands the left one is
+/// copied.
 /// @{
 TVNMATH_API Vector operator*(Vector&& a, Vector const& b);
 TVNMATH_API Vector operator*(Vector&& a, Vector&& b);
@@ -212,9 +228,9 @@ TVNMATH_API Vector operator*(Vector const& a, Vector const& b);
 /// @}
 
 /// @name Vector and scalar
-/// Element by element, on the element-wise dispatch. The result takes over the elements of a vector that may
-/// be taken and is a copy of any other, in the vector's orientation. One form is different, and callers rely
-/// on it: `s * std::move(v)` copies, and leaves `v` as it is.
+/// Element by element, on the element-wise dispatch. The result takes over the elements of an rvalue vector
+/// and is a copy of any other, in the vector's orientation. One form is different: `s * std::move(v)` copies,
+/// and leaves `v` as it is (compatibility C71).
 ///
 /// There is no scalar divided by a vector, and no quotient of two vectors.
 /// @{

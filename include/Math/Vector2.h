@@ -26,8 +26,9 @@ namespace Tervane::Math {
 /// A growable array of doubles on a 64-byte boundary, with an orientation that decides its shape.
 ///
 /// A new vector is a column; the orientation of an existing one cannot be changed, it comes from what the
-/// vector is made of. At most 2^61 - 1 elements: a request beyond that throws `std::length_error` ("vector
-/// too long") before anything is allocated, and `std::bad_alloc` is thrown when memory is short.
+/// vector is made of. At most 2^61 - 1 elements (compatibility C20): a request beyond that throws
+/// `std::length_error` ("vector too long") before anything is allocated, and `std::bad_alloc` is thrown when
+/// memory is short.
 ///
 /// Access to elements is not checked. Different vectors may be used from different threads; one vector may be
 /// read from several as long as nobody writes to it.
@@ -51,11 +52,12 @@ public:
     /// A copy whose capacity equals its length.
     Vector2(Vector2 const& other) = default;
 
-    /// Takes over the storage of `other`, which is left empty with the orientation it had. Allocates nothing.
+    /// Takes over the storage of `other`, which is left empty with the orientation it had (compatibility
+    /// C22). Allocates nothing.
     Vector2(Vector2&& other) noexcept = default;
 
     /// Copies elements and orientation; this vector's storage is used again when it suffices, and otherwise
-    /// grows to the larger of the new length and one and a half times its capacity.
+    /// grows to the larger of the new length and one and a half times its capacity (compatibility C19).
     Vector2& operator=(Vector2 const& other) = default;
 
     /// Releases this vector's storage and takes over that of `other`, which is left empty. Assigning a vector
@@ -75,8 +77,8 @@ public:
     double const& back() const noexcept { return _elements[length() - 1]; }
     /// @}
 
-    /// The selected elements as a new vector: a column, whatever this vector's orientation is. See Slice for
-    /// the rules of the selection.
+    /// The selected elements as a new vector: a column, whatever this vector's orientation is (compatibility
+    /// C17). See Slice for the rules of the selection.
     ///
     /// @pre the step is not 0, and the selected positions lie in this vector
     Vector2 operator[](Slice const& slice) const;
@@ -88,11 +90,11 @@ public:
     double const* data() const noexcept { return _elements.data(); }
     /// @}
 
+    /// The number of elements.
     std::size_t length() const noexcept { return _elements.length(); }
 
     /// @name Shape
-    /// size() and orientation() are not callable on a constant vector: callers rely on the constness of each
-    /// operation as it is.
+    /// size() and orientation() are not callable on a const vector (compatibility C21).
     /// @{
 
     /// The length of a column, otherwise 1.
@@ -104,6 +106,7 @@ public:
     /// (1, length) for a row, (length, 1) otherwise.
     Dimensions size() noexcept;
 
+    /// Row or column.
     VectorOrientation orientation() noexcept { return _orientation; }
     /// @}
 
@@ -114,11 +117,11 @@ public:
     /// growing the storage by at least one half when it must grow.
     ///
     /// @return success, or the error -1 of the system category when the length is beyond the limit or memory
-    ///         is short; the vector is then as it was
+    ///         is short (compatibility C6); the vector is then as it was
     System::Expected<void, System::ErrorCode2> resize(std::size_t n, double const& value = 0.0);
 
     /// The elements as text, "[ 1, 2.5, 0.333333 ]", each with six significant digits; the same for both
-    /// orientations. Of an empty vector "[  ]".
+    /// orientations. Of an empty vector "[  ]" (compatibility C26). Not callable on a const vector.
     System::Expected<System::String2, System::ErrorCode2> toString();
 
     /// @name Compound assignment
@@ -150,8 +153,8 @@ public:
     /// @}
 
     /// @name Negation
-    /// Flips the sign of every element, so 0.0 becomes -0.0. Of an lvalue a new vector with this one's length
-    /// and orientation; of an rvalue in place, giving this vector back.
+    /// Flips the sign of every element, so 0.0 becomes -0.0 (compatibility C33). Of an lvalue a new vector
+    /// with this one's length and orientation; of an rvalue in place, giving this vector back.
     /// @{
     Vector2 operator-() const&;
     Vector2& operator-() &&;
@@ -168,13 +171,14 @@ private:
 /// result[k] = left[k] op right[k], a scalar standing for a vector of that value; computed in double, where
 /// the execution policy says. An integer is converted to double.
 ///
-/// The result's length and orientation are those of the operand whose storage receives it:
+/// The result's length and orientation are those of the operand whose storage receives it (compatibility
+/// C30):
 ///  - a left `Vector2&&` lends its storage, the result is moved out of it and nothing is allocated;
 ///  - otherwise a right `Vector2&&` of `+` and `*` does;
 ///  - otherwise the result is new, allocated once and shaped as the vector operand, the left of two. A view
 ///    gives the shape only when there is no vector.
 ///
-/// Callers rely on what `-` and `/` do with a right `Vector2&&` whose left operand is not one:
+/// `-` and `/` with a right `Vector2&&` whose left operand is not one (compatibility C31 and C32):
 ///  - `-` negates the right operand in place and returns a new vector, that negation plus the left operand,
 ///    in the right operand's shape; the argument is left negated and its storage is not used;
 ///  - vector or view `/` vector walks the left operand's length and writes into the right operand's storage,
@@ -182,8 +186,9 @@ private:
 ///    operand that is longer than the right one writes past its end;
 ///  - scalar `/` vector works in place in the right operand's storage.
 ///
-/// The set is irregular, and exact: a view and a scalar combine by subtraction only, no two views combine,
-/// and a `std::size_t` only divides. Any other integer type is ambiguous and does not compile.
+/// The set is irregular, and exact (compatibility C29): a view and a scalar combine by subtraction only, no
+/// two views combine, and a `std::size_t` only divides. Any other integer type is ambiguous and does not
+/// compile.
 ///
 /// @pre operands that are read have at least the length of the operand whose elements are walked; a longer
 ///      one is read in part. Nothing checks this.

@@ -43,23 +43,27 @@ public:
     /// @pre `column` is below `m.columns()`
     VectorView2(Matrix2 const& m, std::size_t column) noexcept;
 
+    /// Element `i`, unchecked.
     /// @pre `i` is below length()
     double const& operator[](std::size_t i) const noexcept { return _data[i]; }
 
+    /// The address of the first element.
     double const* data() const noexcept { return _data; }
+    /// The number of elements.
     std::size_t length() const noexcept { return _length; }
 
     /// @name Shape
-    /// Not callable on a constant view: callers rely on the constness of each operation as it is.
+    /// Not callable on a const view (compatibility C21).
     /// @{
+    /// Row or column.
     VectorOrientation orientation() noexcept { return _orientation; }
 
     /// (1, length) for a row, (length, 1) otherwise.
     Dimensions size() noexcept;
     /// @}
 
-    /// A view of `count` elements from element `offset` on, with this view's orientation. Not callable on a
-    /// constant view.
+    /// A view of `count` elements from element `offset` on, with this view's orientation (compatibility C28).
+    /// Not callable on a const view.
     ///
     /// @pre `offset + count` does not exceed length()
     VectorView2 sliced(std::size_t offset, std::size_t count) noexcept {

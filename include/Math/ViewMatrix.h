@@ -9,7 +9,8 @@
 namespace Tervane::Math {
 
 /// A matrix that looks at elements of someone else. It implements none of the operations that it inherits, so
-/// it is abstract: a class that derives from it has everything to supply. It has no state.
+/// it is abstract (compatibility C79): a class that derives from it has everything to supply. It has no
+/// state.
 class TVNMATH_API ViewMatrix : public AbstractMatrix {
 public:
     ViewMatrix() noexcept = default;

@@ -23,8 +23,8 @@ namespace Tervane::Math::SignalProcessing::Window {
 ///  - blackman: (0.42 - 0.5 c) + 0.08 (2c² - 1) with c = cos(2πk / D), so its second cosine comes from the
 ///    double-angle identity; computed for the first half and mirrored, so it is symmetric bit for bit.
 ///
-/// Each is computed in the order written, so the values are fixed to the last bit. Empty when `N` is not
-/// positive. Of one point hann and hamming are [1], blackman is [0]: callers rely on the difference.
+/// Each is computed in the order written, so the values are fixed to the last bit (compatibility C60). Empty
+/// when `N` is not positive. Of one point hann and hamming are [1], blackman is [0] (compatibility C59).
 ///
 /// Literature: F. J. Harris, "On the use of windows for harmonic analysis with the discrete Fourier
 /// transform", Proceedings of the IEEE 66 (1978).
@@ -40,8 +40,11 @@ TVNMATH_API Vector blackman(int N);
 /// With `symmetric` the window of N points above; without, that of N + 1 points with its last one dropped.
 /// So hamming(1, false) is [0.08] and the windows of no points are empty. There is no periodic hann.
 ///
-/// @pre without `symmetric`, `N` is not negative: there is no point to drop from the empty window, and the
-///      request for -1 elements throws `std::length_error` ("vector too long")
+/// See compatibility C61.
+///
+/// @param N without `symmetric` not negative: there is no point to drop from the empty window, and the
+///        request for -1 elements throws `std::length_error` ("vector too long")
+/// @param symmetric whether the first and the last point are alike
 /// @{
 TVNMATH_API Vector hamming(int N, bool symmetric);
 TVNMATH_API Vector blackman(int N, bool symmetric);

@@ -188,7 +188,7 @@ Vector2 operator-(int left, VectorView2 const& right) {
     return static_cast<double>(left) - right;
 }
 
-// Callers rely on these four: the argument is left negated, and the result is new.
+// These four leave the argument negated and return a new vector (compatibility C31).
 Vector2 operator-(Vector2 const& left, Vector2&& right) {
     return std::as_const(-std::move(right)) + left;
 }
@@ -270,7 +270,8 @@ Vector2 operator/(Vector2&& left, int right) {
 Vector2 operator/(Vector2&& left, std::size_t right) {
     return std::move(left /= right);
 }
-// Callers rely on these two walking the left operand: elements of `right` beyond it stay as they are.
+// These two run over the left operand's length: elements of `right` past it stay as they are (compatibility
+// C32).
 Vector2 operator/(Vector2 const& left, Vector2&& right) {
     return std::move(transformRight(left, right, Divide()));
 }

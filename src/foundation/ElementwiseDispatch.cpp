@@ -6,9 +6,9 @@ namespace {
 
 using FourLanes __attribute__((vector_size(32), aligned(8), may_alias)) = double;
 
-// The order that callers rely on: four running sums over the elements whose index is 0, 1, 2, 3 modulo 4,
-// joined as (s0 + s2) + (s1 + s3), then what is left over one at a time. One register of four lanes is that
-// order itself. It is bound by the latency of the addition, which is the price of a fixed order.
+// The serial order (compatibility C12): one register of four lanes is the four running sums. Each addition
+// waits for the one before, four cycles for four elements, so a sum takes a cycle for each element: the price
+// of a fixed order.
 TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) noexcept {
     double total = 0.0;
     std::size_t i = 0;
@@ -23,8 +23,8 @@ TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) 
     return total;
 }
 
-// For the chunks of a parallel sum, whose order nobody relies on. Eight registers cover the four cycles that
-// an addition takes at two additions a cycle, so memory is the bound.
+// For the chunks of a parallel sum, whose order is not fixed: two additions a cycle of four cycles' latency
+// are eight registers. Then memory is the bound.
 TVNMATH_MULTIVERSION double sumInAnyOrder(double const* values, std::size_t n) noexcept {
     constexpr std::size_t registers = 8;
     constexpr std::size_t block = 4 * registers;

@@ -137,9 +137,8 @@ public:
 
     /// The sum of the elements, 0.0 for none.
     ///
-    /// Callers rely on its order under every policy that is not parallel: four running sums over the elements
-    /// whose index is 0, 1, 2, 3 modulo 4, joined as (s0 + s2) + (s1 + s3), then what is left over one at a
-    /// time. Under the parallel policies the order is not fixed.
+    /// In the serial order, which compatibility C12 describes, under every policy that is not parallel. Under
+    /// the parallel policies the order is not fixed.
     static double sum(double const* first, double const* last);
 
 private:

@@ -22,7 +22,7 @@ struct ResolvedSlice {
 };
 
 /// Resolves a slice against a vector of `n` elements, for both generations. The start clamp looks at the
-/// step, the stop clamp at the stop as the caller gave it: callers rely on the difference.
+/// step, the stop clamp at the stop as the caller gave it (compatibility C16).
 ///
 /// @pre slice.step() is not 0
 inline ResolvedSlice resolveSlice(Slice const& slice, std::size_t n) noexcept {

@@ -152,7 +152,7 @@ Vector pow(Vector const& x, int n) {
 }
 
 Vector2 abs(ComplexVector2 const& z) {
-    // Callers rely on a column whatever the orientation of z.
+    // A column whatever the orientation of z (compatibility C37).
     Vector2 result = ContainerAccess::uninitialised(z.length(), Column);
     std::complex<double> const* const first = ContainerAccess::elements(z);
     ElementwiseDispatch::transform(first, first + z.length(), result.data(), Magnitude());

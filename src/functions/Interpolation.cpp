@@ -55,7 +55,7 @@ struct LegacyTable {
     ViewVector const& values;
 
     double value(std::size_t k) const { return values[k]; }
-    // Callers rely on the breakpoint here, where the current generation has the value.
+    // The breakpoint, where the current generation has the value (compatibility C41).
     double upToFirst() const { return breakpoints[0]; }
     double aboveLast() const { return values[values.length() - 1]; }
 };

@@ -92,8 +92,8 @@ void ComplexVector::setData(double const* p, std::size_t n) {
     LegacyAccess::elements(*this).assign(reinterpret_cast<std::complex<double> const*>(p), n);
 }
 
-// Serial, and with a copy of `v` that nobody reads: callers rely on both, so the product does not go through
-// the dispatch, and always allocates.
+// Serial, and with a copy of `v` that nobody reads (compatibility C75): the product does not go through the
+// dispatch, and always allocates.
 ComplexVector operator*(ComplexVector&& z, Vector const& v) {
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the allocation is the point
     Vector const unread(v);

@@ -142,7 +142,7 @@ Matrix Matrix::transposed() const {
 }
 
 // The reported shape stays, so every element keeps its flat position, those behind a new, nearer end
-// included: resizing the array moves nothing else. Callers rely on both. The shape is compared all the same:
+// included: resizing the array moves nothing else (compatibility C68). The shape is compared all the same:
 // asking for the reported one must leave an array alone that an earlier call gave another length.
 Matrix& Matrix::resize(std::size_t rows, std::size_t columns, double const& fill) {
     MatrixData& data = LegacyAccess::data(*this);

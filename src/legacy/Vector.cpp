@@ -81,7 +81,7 @@ Vector::Vector(std::initializer_list<Vector> vectors) : Vector(vectors.begin(), 
 
 Vector::Vector(AbstractVector const& v) : BasicObject(copyOf(v)) {}
 
-// Callers rely on the fill being ignored.
+// The fill is ignored (compatibility C65).
 Vector::Vector(Dimensions const& dimensions, double const& /*fill*/)
     : Vector(std::max(dimensions.rows(), dimensions.columns())) {
     LegacyAccess::data(*this).orientation = dimensions.columns() <= 1 ? Column : Row;

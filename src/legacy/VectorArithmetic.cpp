@@ -49,7 +49,7 @@ Vector operator*(Vector const& v, double const& s) {
     return transformed(v, withRight<Multiply>(s));
 }
 
-// Callers rely on this form leaving `v` as it is, although they gave it away.
+// This form copies, and leaves an rvalue `v` as it is (compatibility C71).
 Vector operator*(double const& s, Vector&& v) {
     return transformed(v, withRight<Multiply>(s));
 }
@@ -98,7 +98,7 @@ Vector operator/(Vector const& v, double const& s) {
     return transformed(v, withRight<Divide>(s));
 }
 
-// Callers rely on the copy not being negated.
+// A copy that is not negated (compatibility C70).
 Vector Vector::operator-() const& {
     return *this;
 }
@@ -151,7 +151,8 @@ Vector operator-(Vector&& a, Vector&& b) {
     return Tervane::Math::transformed(std::move(a), b, Tervane::Math::Subtract());
 }
 
-// Callers rely on this form walking `a` while it writes over `b`: of a longer `b`, the tail stays.
+// Runs over `a` while it writes into `b`: the tail of a longer `b` stays (compatibility C72). It stands in
+// the global namespace (compatibility C74).
 Vector operator-(Vector const& a, Vector&& b) {
     return std::move(Tervane::Math::transformRight(a, b, Tervane::Math::Subtract()));
 }

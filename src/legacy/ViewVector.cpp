@@ -72,8 +72,8 @@ double const* ViewVector::begin() const {
     return data();
 }
 
-// An empty view has length 1, and callers rely on its end being an element behind its data, be that null: as
-// an integer, because the language counts only within an array.
+// An empty view has length 1, so its end is one element past its data (compatibility C64), null included. As
+// an integer, because adding to a pointer outside of an array is undefined.
 double const* ViewVector::end() const {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): see above
     return reinterpret_cast<double const*>(reinterpret_cast<std::uintptr_t>(data())

@@ -61,7 +61,8 @@ Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand
     if (!failure)
         OneMKL::gemm(product.transA, product.transB, product.m(), product.n(), product.k(), alpha, A.data(),
                      product.a.rows(), B.data(), product.b.rows(), beta, C.data(), product.m());
-    // The operation's postcondition. Callers rely on it being looked at after a failed check too.
+    // The operation's postcondition (compatibility C45). It looks at the same numbers as the check before the
+    // product, so it cannot fail where that one passed; where that one failed it reports the mismatch again.
     if (Failure const after = failureUnless(product.fits(C.size()), DimensionsMismatch))
         failure = after;
     return failure;

@@ -104,8 +104,8 @@ namespace LAPACK {
 
 System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2& b) {
     return System::guard<void>([&] {
-        // The bare enumerator is no exception that the guard knows, so callers see the error -1 of the system
-        // category for a wrong shape, and rely on it.
+        // The bare enumerator is no exception that the guard knows, so a wrong shape becomes the error -1 of
+        // the system category (compatibility C50).
         if (Failure const failure = shapeFailure(refOf(A), refOf(b)))
             throw *failure;
         Detail::raise(Math::gesv(refOf(A), refOf(b)));

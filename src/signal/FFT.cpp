@@ -30,8 +30,9 @@ struct TransformScope {
 };
 
 // The two transforms on plain memory, written once: a descriptor's life as oneMKL wants it. `check` is given
-// the status of each call in turn and may end the transform by throwing; the descriptor is then not freed.
-// Callers of the current generation see the first failure, those of the legacy generation none.
+// the status of each call in turn. In the current generation it throws at the first failure, so that the
+// calls after it are not made, and the one that frees the descriptor neither: it stays (compatibility C57).
+// In the legacy generation all calls are made, and none is looked at.
 
 template<class Check>
 DFTI_DESCRIPTOR_HANDLE prepare(std::size_t n, Check const& check) {
@@ -48,8 +49,8 @@ void transformForward(double const* samples, std::size_t n, double* spectrum, Ch
     TransformScope const scope(n);
     DFTI_DESCRIPTOR_HANDLE handle = prepare(n, check);
     check(DftiCommitDescriptor(handle));
-    check(DftiComputeForward(handle, const_cast<double*>(samples),
-                             spectrum)); // out of place: the input is only read
+    // Out of place, so the input is only read.
+    check(DftiComputeForward(handle, const_cast<double*>(samples), spectrum));
     check(DftiFreeDescriptor(&handle));
 }
 
@@ -69,7 +70,7 @@ void raiseFailure(MKL_LONG status) {
         throw System::SystemError(Detail::fourierError(status));
 }
 
-// Callers of the legacy generation rely on no status being reported.
+// The legacy generation reports no status (compatibility C58).
 void ignoreFailure(MKL_LONG /*status*/) {}
 
 } // namespace

@@ -4,8 +4,8 @@
 
 namespace Tervane::Math::Detail {
 
-/// The error that a failing status of oneMKL's Fourier transforms becomes. `DataSizeTooLarge` comes from
-/// none: callers rely on the table as it is.
+/// The error that a failing status of oneMKL's Fourier transforms becomes. `DataSizeTooLarge` comes from none
+/// (compatibility C5).
 constexpr FFTErrc fourierError(long long status) {
     switch (status) {
     case 1:

@@ -7,9 +7,9 @@ namespace Tervane::Math::Detail {
 
 namespace Kernels {
 
-/// `n` values from successive pairs of outputs of a generator of 32-bit numbers. A pair x1, x2 makes u = (x1
-/// + x2 2^32) / 2^64 and the value width u + lo. Rounding may make u 1; callers rely on nothing being
-/// clamped.
+/// `n` values from successive pairs of outputs of a generator of 32-bit numbers. A pair x1, x2 makes
+/// u = (x1 + x2 2^32) / 2^64 and the value width u + lo. Rounding may make u 1; nothing is clamped
+/// (compatibility C62).
 void uniformValues(std::uint32_t const* outputs, double lo, double width, double* values,
                    std::size_t n) noexcept;
 

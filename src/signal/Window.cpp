@@ -16,7 +16,7 @@ using Detail::ElementCost;
 constexpr double twoPi = 6.283185307179586;
 
 /// @name The windows at point k
-/// Callers rely on the order of evaluation, to the last bit.
+/// The order of evaluation decides the last bit (compatibility C60).
 /// @{
 struct Hann {
     static constexpr ElementCost cost = ElementCost::Function;
@@ -85,7 +85,7 @@ Vector hamming(int N, bool symmetric) {
 Vector blackman(int N) {
     if (N < 1)
         return Vector();
-    // Callers rely on a zero here, where the other windows have a one.
+    // A zero, where the other windows have a one (compatibility C59).
     if (N == 1)
         return Vector(1);
     Vector w = Vector::arange(0, N);

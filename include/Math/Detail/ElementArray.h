@@ -20,9 +20,10 @@ struct Uninitialised {};
 
 /// A growable array of plain numbers.
 ///
-/// The standard vector would do but for four things: it cannot leave elements uninitialised that are about to
-/// be overwritten, it assigns into exactly the space needed where callers rely on growth by one and a half,
-/// its limit is half of ours, and its length error has another text.
+/// std::vector differs in four things: it writes every element of new storage even where the next loop writes
+/// them again, it assigns into exactly the space needed where ours grows by one and a half (compatibility
+/// C19), its limit is half of ours, 2^60 - 1 doubles, and its length error has another text (compatibility
+/// C20).
 ///
 /// Lengths are checked before anything is allocated. After a failed allocation the array is as it was.
 template<class T, class Allocator>

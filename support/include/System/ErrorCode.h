@@ -42,7 +42,8 @@ class TVNCORE_API ErrorCode {
 public:
     /// No error.
     ErrorCode() noexcept;
-    /// @p code of @p category, which must outlive this object. Any code is an error, 0 included.
+    /// @p code of @p category, which must outlive this object. Any code is an error, 0 included
+    /// (compatibility C9).
     ErrorCode(int code, ErrorCategory const& category) noexcept;
     ErrorCode(ErrorCode const& other);
     ErrorCode(ErrorCode&& other) noexcept;

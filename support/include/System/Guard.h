@@ -31,7 +31,7 @@ namespace detail {
 /// - a thrown `std::errc`, `std::io_errc` or `std::future_errc` is its own error code;
 /// - a `std::system_error` gives its code through `ErrorCode2::fromStandard`;
 /// - a `SystemError` and a `bad_expected_access<ErrorCode2>` give the error that they carry;
-/// - anything else is `ErrorCode2(-1, system_error_category())`.
+/// - anything else is `ErrorCode2(-1, system_error_category())` (compatibility C6).
 TVNCORE_API ErrorCode2 currentExceptionError() noexcept;
 
 } // namespace detail
@@ -39,8 +39,7 @@ TVNCORE_API ErrorCode2 currentExceptionError() noexcept;
 /// Runs `body()` and returns what it returned, or the error that its exception becomes. No exception leaves.
 ///
 /// @param body returns a `T`, or an `Expected<T, ErrorCode2>` that is passed on; for `T` = `void` it returns
-/// nothing or
-///        an `Expected<void, ErrorCode2>`. The conversion of what it returned is guarded too.
+///        nothing or an `Expected<void, ErrorCode2>`. The conversion of what it returned is guarded too.
 template<class T, class Body>
 Expected<T, ErrorCode2> guard(Body&& body) noexcept {
     try {

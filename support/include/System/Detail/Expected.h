@@ -33,7 +33,8 @@ namespace detail {
 /// Either a value of type `T` or an error of type `E`, never both.
 ///
 /// A flag comes first and names the alternative that is alive; the storage behind it is shared by both.
-/// Moving from a result moves the value or the error out of it and leaves its flag as it was.
+/// Moving from a result moves the value or the error out of it and leaves its flag as it was (compatibility
+/// C7).
 ///
 /// Ignoring a result draws a warning. A result may be read from several threads at once.
 ///
@@ -186,8 +187,7 @@ public:
     /// The value.
     ///
     /// @throws bad_expected_access<ErrorCode2> with a copy of the error if the result holds one; the result
-    /// is not
-    ///         changed.
+    ///         is not changed
     T& value() & {
         if (!_hasValue)
             detail::throwBadExpectedAccess(_error);
@@ -291,8 +291,7 @@ public:
     /// Does nothing on success.
     ///
     /// @throws bad_expected_access<ErrorCode2> with a copy of the error if the result holds one; the result
-    /// is not
-    ///         changed.
+    ///         is not changed
     TVNCORE_API void value() &;
     TVNCORE_API void value() const&;
     TVNCORE_API void value() &&;

@@ -26,8 +26,7 @@ class Expected;
 /// influence.
 ///
 /// @return the text, or `ErrorCode2(-1, system_error_category())` when its storage cannot be allocated. No
-/// other
-///         allocation is made.
+///         other allocation is made.
 TVNCORE_API Expected<String2, ErrorCode2> toString(int number);
 
 /// Makes a string of the @p length bytes at @p bytes after checking that they are well-formed UTF-8.
