@@ -96,6 +96,22 @@ found = version().decode()
 sys.exit(found != sys.argv[2] and f"the loaded library is version {found}")' "$(libdir)/libTVNMath.so.${VERSION%%.*}" "$VERSION"
 }
 
+# Each example by itself, as somebody tries it who has no more than the installed library.
+examples() {
+    local example programs tried=0
+    for example in "$here"/../../examples/*/; do
+        example=$(basename "$example")
+        [ "$example" != common ] || continue
+        configure_and_build "$here/../../examples/$example" "$WORK_DIR/example $example" -D CMAKE_PREFIX_PATH="$prefix"
+        mapfile -t programs < <(find "$WORK_DIR/example $example" -maxdepth 1 -type f -perm -u+x)
+        [ "${#programs[@]}" = 1 ] || fail "the example $example makes ${#programs[@]} programs"
+        tried=$((tried + 1))
+    done
+    [ "$tried" -ge 3 ] || fail "$tried examples were tried"
+    [ "$("$WORK_DIR/example quick_start/quick_start")" = '2 V at 50 kHz' ] || fail 'quick_start prints something else'
+    "$WORK_DIR/example legacy/legacy_spectrum" >"$WORK_DIR/legacy.log" || fail 'legacy_spectrum fails'
+}
+
 # What find_package says to each request, for a version 1.x.y. A range means what it says.
 version_requests() {
     local request accepted major=${VERSION%%.*}
