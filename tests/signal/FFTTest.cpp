@@ -335,6 +335,36 @@ TEST(FFT, EachTransformGivesItsDescriptorBack) {
     }
 }
 
+// The tables of a transform of 97 samples need a block of more than 8,000 bytes, its descriptor none.
+TEST(FFT, AFailingStepLeavesItsDescriptor) {
+    if (!TestKit::FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    constexpr int calls = 100;
+    Vector2 const x = vectorOf(ordinaryValues(97));
+    FFT::fft_real(x).value();
+    std::ptrdiff_t const left = bytesLeftBy(calls, [&] {
+        TestKit::FailingAllocations const failing(8'000);
+        EXPECT_EQ(FFT::fft_real(x).error(), ErrorCode2(MemoryError));
+    });
+    EXPECT_GE(left, 1'000 * calls);
+}
+
+// All of its steps are made, whether they fail or not, so the descriptor is given back.
+TEST(LegacyFFT, AFailingStepLeavesNothing) {
+    if (!TestKit::FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    constexpr int calls = 100;
+    Vector const x(ordinaryValues(97));
+    ErrorCode error;
+    FFT::fft_real(x, error);
+    std::ptrdiff_t const left = bytesLeftBy(calls, [&] {
+        TestKit::FailingAllocations const failing(8'000);
+        FFT::fft_real(x, error);
+    });
+    EXPECT_LE(left, 100 * calls);
+    EXPECT_FALSE(error.hasError());
+}
+
 TEST(FourierStatus, MapsEachStatusToItsOwnError) {
     using Detail::fourierError;
     EXPECT_EQ(fourierError(1), 4);
