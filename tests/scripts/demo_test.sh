@@ -8,14 +8,14 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 project="$work/a project"
 caller="$work/caller"
-mkdir -p "$project/scripts" "$project/build/release/examples/converter_emi" "$project/examples/converter_emi/data" \
+mkdir -p "$project/scripts" "$project/build/demo/examples/converter_emi" "$project/examples/converter_emi/data" \
     "$work/bin" "$caller"
 cp "$1" "$project/scripts/demo"
 stub() { printf '#!/bin/sh\n%s\n' "$2" >"$1"; chmod +x "$1"; }
 stub "$project/scripts/setup" 'exit 0'
 stub "$work/bin/cmake" 'pwd >>"$CMAKE_FOLDERS"'
 # The example: where it runs, and the real path of every argument that is one.
-stub "$project/build/release/examples/converter_emi/converter_emi" 'pwd; for a in "$@"; do printf "%s\n" "$a"; done; realpath -m "$1"'
+stub "$project/build/demo/examples/converter_emi/converter_emi" 'pwd; for a in "$@"; do printf "%s\n" "$a"; done; realpath -m "$1"'
 export CMAKE_FOLDERS="$work/folders" PATH="$work/bin:$PATH"
 
 cd "$caller"
