@@ -29,7 +29,9 @@ namespace Tervane::Math {
 class TVNMATH_API AbstractDataTable {
 public:
     AbstractDataTable() noexcept = default;
+    /// There is no state to copy or move.
     AbstractDataTable(AbstractDataTable const&) noexcept = default;
+    /// There is no state to assign.
     AbstractDataTable& operator=(AbstractDataTable const&) noexcept = default;
     virtual ~AbstractDataTable();
 

@@ -4,10 +4,13 @@
 /// What the linear algebra takes as a matrix.
 ///
 /// @code
+/// using namespace Tervane::Math;
+/// Matrix const a(2, 3, 1.0);
+/// Matrix const weights(3, 2, 0.5);
 /// Tervane::System::ErrorCode error;
-/// Tervane::Math::Matrix const scaled = a.elementwiseMultiply(weights, error);
+/// Matrix const weighted = a.elementwiseMultiply(weights, error);
 /// if (error.hasError())
-///     std::cerr << error.message().narrow() << '\n';     // dimensions mismatch
+///     std::cerr << error.message() << '\n';     // dimensions mismatch
 /// @endcode
 ///
 /// Include <Math/Matrix.h> and <Math/Vector.h> to use what the products return.
@@ -31,9 +34,13 @@ class Vector;
 class TVNMATH_API AbstractMatrix : public AbstractDataTable {
 public:
     AbstractMatrix() noexcept = default;
+    /// There is no state to copy or move.
     AbstractMatrix(AbstractMatrix const&) noexcept = default;
+    /// There is no state to copy or move.
     AbstractMatrix(AbstractMatrix&&) noexcept = default;
+    /// There is no state to assign.
     AbstractMatrix& operator=(AbstractMatrix const&) noexcept = default;
+    /// There is no state to assign.
     AbstractMatrix& operator=(AbstractMatrix&&) noexcept = default;
     ~AbstractMatrix() override;
 
@@ -57,12 +64,13 @@ public:
     Matrix elementwiseMultiply(AbstractMatrix const& b, System::ErrorCode& error) const;
 
     /// @name Products
+    /// @{
+
     /// this · b and this · x, as BLAS::gemm and BLAS::gemv compute them without a transposition.
     ///
     /// @param error set on failure, left as it is on success: LinearAlgebraErrorCode::DimensionsMismatch when
     ///              the shapes do not fit
     /// @return what BLAS::gemm and BLAS::gemv return, on failure too (compatibility C46)
-    /// @{
     Matrix multiply(AbstractMatrix const& b, System::ErrorCode& error) const;
     Vector multiply(AbstractVector const& x, System::ErrorCode& error) const;
     /// @}

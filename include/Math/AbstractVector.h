@@ -24,7 +24,9 @@ namespace Tervane::Math {
 class TVNMATH_API AbstractVector : public AbstractDataTable {
 public:
     AbstractVector() noexcept = default;
+    /// There is no state to copy or move.
     AbstractVector(AbstractVector const&) noexcept = default;
+    /// There is no state to assign.
     AbstractVector& operator=(AbstractVector const&) noexcept = default;
     ~AbstractVector() override;
 

@@ -17,14 +17,18 @@ namespace Tervane::Math {
 /// Stateless: all instances are equal and interchangeable. Safe from any thread.
 class TVNMATH_API AlignedAllocator {
 public:
+    /// What is allocated.
     using value_type = double;
+    /// All instances are equal.
     using is_always_equal = std::true_type;
+    /// So a container's storage moves with it.
     using propagate_on_container_move_assignment = std::true_type;
 
     /// The standard containers ask for an allocator of the type that they have; there is none for another.
     template<class U>
     requires std::is_same_v<U, double>
     struct rebind {
+        /// This allocator itself.
         using other = AlignedAllocator;
     };
 

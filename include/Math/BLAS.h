@@ -5,10 +5,12 @@
 ///
 /// @code
 /// using namespace Tervane::Math;
+/// Matrix2 const a(2, 3, 1.0);
+/// Matrix2 const b(4, 3, 2.0);
 /// auto const product = BLAS::gemm(NoTranspose, Transposed, a, b);        // a times the transpose of b
 /// if (!product)
 ///     return product.error();
-/// use(*product);
+/// double const corner = (*product)[Index(0, 0)];                         // 6
 /// @endcode
 ///
 /// Matrices are column-major, the leading dimension is the row count, nothing is copied or transposed in
@@ -32,6 +34,8 @@ class Vector;
 namespace BLAS {
 
 /// @name Matrix product
+/// @{
+
 /// C := alpha op(A) op(B) + beta C, with op(A) M x K, op(B) K x N and C M x N. The first form works on the
 /// caller's C and gives its address; the others make C, with beta = 0 and, where it is not given, alpha = 1.
 /// With beta = 0 what C held does not matter, NaNs included.
@@ -42,7 +46,6 @@ namespace BLAS {
 ///         not M x N: mend the shapes. C is then as it was.
 ///
 /// Complexity: O(M N K).
-/// @{
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose transB,
                                                                 double const& alpha, Matrix2 const& A,
                                                                 Matrix2 const& B, double const& beta,
@@ -54,6 +57,8 @@ TVNMATH_API System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA,
 /// @}
 
 /// @name Matrix times vector
+/// @{
+
 /// y := alpha op(A) x + beta y. The first form works on the caller's y and gives its address; the others make
 /// y, a column, with beta = 0 and, where it is not given, alpha = 1.
 ///
@@ -63,7 +68,6 @@ TVNMATH_API System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA,
 /// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short; y is then as it was
 ///
 /// Complexity: O(rows columns).
-/// @{
 TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha,
                                                                 Matrix2 const& A, Vector2 const& x,
                                                                 double const& beta, Vector2& y);
@@ -74,6 +78,8 @@ TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, 
 /// @}
 
 /// @name Linear solve without checks
+/// @{
+
 /// Solves A X = B by LU factorisation with partial pivoting. X overwrites B, the factors overwrite A; the
 /// value is the address of B. The order n of the system is the row count of B (of a vector, rows(): 1 for a
 /// row), and the number of right-hand sides its column count (compatibility C48).
@@ -84,18 +90,18 @@ TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, 
 ///         the driver left in them.
 ///
 /// Complexity: O(n^3).
-/// @{
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gesv(Matrix2& A, Matrix2& B);
 TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vector2& b);
 /// @}
 
 /// @name Matrix product, legacy
+/// @{
+
 /// As the current forms, on any matrix of the legacy family. A failure is
 /// `LinearAlgebraErrorCode::DimensionsMismatch` in `error`, which is left as it is on success; the result is
 /// returned all the same, as it stood (compatibility C45, C46). An exception, of a failed allocation for
 /// example, makes the error unknown, here and in the other legacy forms; a result that was to be made is then
 /// empty.
-/// @{
 TVNMATH_API Matrix& gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
                          AbstractMatrix const& B, double const& beta, Matrix& C, System::ErrorCode& error);
 TVNMATH_API Matrix gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
@@ -105,10 +111,11 @@ TVNMATH_API Matrix gemm(Transpose transA, Transpose transB, AbstractMatrix const
 /// @}
 
 /// @name Matrix times vector, legacy
+/// @{
+
 /// As the current forms, on any matrix and vector of the legacy family. A failure is
 /// `LinearAlgebraErrorCode::DimensionsMismatch` in `error`, which is left as it is on success; y is returned
 /// all the same, as it stood.
-/// @{
 TVNMATH_API Vector& gemv(Transpose trans, double const& alpha, AbstractMatrix const& A,
                          AbstractVector const& x, double const& beta, Vector& y, System::ErrorCode& error);
 TVNMATH_API Vector gemv(Transpose trans, double const& alpha, AbstractMatrix const& A,
@@ -118,9 +125,10 @@ TVNMATH_API Vector gemv(Transpose trans, AbstractMatrix const& A, AbstractVector
 /// @}
 
 /// @name Linear solve without checks, legacy
+/// @{
+
 /// As the current forms; the codes of LinearAlgebraErrorCode arrive in `error`, which is left as it is on
 /// success.
-/// @{
 TVNMATH_API Matrix& gesv(Matrix& A, Matrix& B, System::ErrorCode& error);
 TVNMATH_API Vector& gesv(Matrix& A, Vector& b, System::ErrorCode& error);
 /// @}

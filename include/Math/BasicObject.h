@@ -32,7 +32,9 @@ class TVNMATH_API BasicObject : public T {
 public:
     /// Owns a plain ObjectData.
     BasicObject() : _object(new ObjectData) {}
+    /// Takes over what `other` holds.
     BasicObject(BasicObject&& other) noexcept : T(std::move(other)), _object(std::move(other._object)) {}
+    /// Takes over what `other` holds.
     BasicObject& operator=(BasicObject&& other) noexcept {
         _object = std::move(other._object);
         return *this;

@@ -37,12 +37,19 @@ class ComplexRef {
 public:
     /// The element whose real part is at `p`; the imaginary part follows it.
     explicit ComplexRef(double* p) noexcept : _parts(p) {}
+    /// A copy.
     ComplexRef(ComplexRef const&) noexcept = default;
 
+    /// @{
+    /// A part of the element, to be read and written.
     double& real() const noexcept { return _parts[0]; }
     double& imag() const noexcept { return _parts[1]; }
+    /// @}
+
+    /// The element's value.
     operator std::complex<double>() const noexcept { return {_parts[0], _parts[1]}; }
 
+    /// Writes the element.
     ComplexRef const& operator=(std::complex<double> const& z) const noexcept {
         _parts[0] = z.real();
         _parts[1] = z.imag();
@@ -50,11 +57,13 @@ public:
     }
 
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a value goes through, nothing is released
+    /// Becomes a copy of `other`.
     ComplexRef const& operator=(ComplexRef const& other) const noexcept {
         return *this = std::complex<double>(other);
     }
 
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a value goes through, nothing is released
+    /// Becomes a copy of `other`.
     ComplexRef& operator=(ComplexRef const& other) noexcept {
         static_cast<ComplexRef const&>(*this) = other;
         return *this;
@@ -77,8 +86,13 @@ public:
     /// The element whose real part is at `p`; the imaginary part follows it.
     explicit ComplexView(double const* p) noexcept : _parts(p) {}
 
+    /// @{
+    /// A part of the element.
     double real() const noexcept { return _parts[0]; }
     double imag() const noexcept { return _parts[1]; }
+    /// @}
+
+    /// The element's value.
     operator std::complex<double>() const noexcept { return {_parts[0], _parts[1]}; }
 
 private:
@@ -101,11 +115,14 @@ public:
     /// `n` zeros.
     explicit ComplexVector(std::size_t n);
 
+    /// A copy of a standard vector.
     explicit ComplexVector(std::vector<std::complex<double>> const& values);
 
     /// A copy can be constructed but not assigned (compatibility C80).
     ComplexVector(ComplexVector const& other);
+    /// Takes over what `other` holds.
     ComplexVector(ComplexVector&& other) noexcept;
+    /// Takes over what `other` holds.
     ComplexVector& operator=(ComplexVector&& other) noexcept;
     ~ComplexVector() override;
 
@@ -145,11 +162,14 @@ private:
 /// its storage.
 class ComplexVector::iterator {
 public:
+    /// @{
+    /// What the standard library asks of an iterator.
     using iterator_category = std::random_access_iterator_tag;
     using value_type = std::complex<double>;
     using difference_type = std::ptrdiff_t;
     using pointer = void;
     using reference = ComplexRef;
+    /// @}
 
     /// Points nowhere.
     iterator() noexcept = default;
@@ -157,9 +177,16 @@ public:
     /// At the element whose real part is at `p`.
     explicit iterator(double* p) noexcept : _parts(p) {}
 
+    /// @{
+    /// A handle on this element, or on the one n further on.
     ComplexRef operator*() const noexcept { return ComplexRef(_parts); }
     ComplexRef operator[](difference_type n) const noexcept { return *(*this + n); }
+    /// @}
 
+    /// @name Steps
+    /// @{
+
+    /// A step over whole elements, without a check.
     iterator& operator++() noexcept { return *this += 1; }
     iterator& operator--() noexcept { return *this -= 1; }
 
@@ -181,6 +208,7 @@ public:
     }
 
     iterator& operator-=(difference_type n) noexcept { return *this += -n; }
+    /// @}
 
     friend iterator operator+(iterator it, difference_type n) noexcept { return it += n; }
     friend iterator operator+(difference_type n, iterator it) noexcept { return it += n; }
@@ -197,12 +225,13 @@ private:
 } // namespace Tervane::Math
 
 /// @name Complex vector and scalar
+/// @{
+
 /// Both parts of every element multiplied by `s`, or divided by it: not multiplied by 1/s. On the
 /// element-wise dispatch. The result takes over the elements of an rvalue vector and is a copy of any other.
 ///
 /// The operators stand in the global namespace, and Tervane::Math names them too, so that code in any
 /// namespace finds them.
-/// @{
 TVNMATH_API Tervane::Math::ComplexVector operator*(Tervane::Math::ComplexVector&& z, double const& s);
 TVNMATH_API Tervane::Math::ComplexVector operator*(Tervane::Math::ComplexVector const& z, double const& s);
 TVNMATH_API Tervane::Math::ComplexVector operator*(double const& s, Tervane::Math::ComplexVector&& z);
@@ -217,13 +246,14 @@ using ::operator*;
 using ::operator/;
 
 /// @name Complex vector and real vector
+/// @{
+
 /// Both parts of element i of `z` multiplied by v[i], for every element of `z`, on the calling thread
 /// whatever the execution policy.
 ///
 /// The result takes over the elements of an rvalue `z` and is a copy of any other. Either way `v` is copied
 /// once and nobody reads the copy, so there always is an allocation (compatibility C75).
 /// @pre `v` is not shorter than `z`; nothing checks this, so compare the lengths first
-/// @{
 TVNMATH_API ComplexVector operator*(ComplexVector&& z, Vector const& v);
 TVNMATH_API ComplexVector operator*(Vector const& v, ComplexVector&& z);
 TVNMATH_API ComplexVector operator*(ComplexVector const& z, Vector const& v);

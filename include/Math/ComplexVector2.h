@@ -68,8 +68,9 @@ public:
     ComplexVectorView2 view() noexcept { return ComplexVectorView2(data(), length(), _orientation); }
 
     /// @name Storage
-    /// The elements as interleaved doubles: re0, im0, re1, im1, …; null for a vector that never allocated.
     /// @{
+
+    /// The elements as interleaved doubles: re0, im0, re1, im1, …; null for a vector that never allocated.
     double* data() noexcept { return reinterpret_cast<double*>(_elements.data()); }
     double const* data() const noexcept { return reinterpret_cast<double const*>(_elements.data()); }
     /// @}
@@ -88,12 +89,13 @@ public:
     /// @}
 
     /// @name Compound assignment
+    /// @{
+
     /// Multiplies or divides both parts of every element by the scalar, or by the element of `right` at the
     /// same place, in place, where the execution policy says. A division is a true one, not a multiplication
     /// by the reciprocal (compatibility C34).
     ///
     /// @pre `right` is not shorter than this vector; a longer one is read in part
-    /// @{
     ComplexVector2& operator*=(double const& right);
     ComplexVector2& operator/=(double const& right);
     ComplexVector2& operator*=(Vector2 const& right);
@@ -107,6 +109,8 @@ private:
 };
 
 /// @name Complex arithmetic
+/// @{
+
 /// With a scalar or a real vector, element by element, where the execution policy says. The result has the
 /// length and the orientation of the complex operand. An rvalue operand lends its storage to the result,
 /// which is moved out of it; otherwise the result is new and allocates once.
@@ -121,7 +125,6 @@ private:
 /// @pre a real vector is not shorter than the complex operand; a longer one is read in part. Nothing checks
 ///      this.
 /// @throws std::bad_alloc when a new result cannot be allocated
-/// @{
 TVNMATH_API ComplexVector2 operator*(ComplexVector2&& left, double const& right);
 TVNMATH_API ComplexVector2 operator*(ComplexVector2 const& left, double const& right);
 TVNMATH_API ComplexVector2 operator*(double const& left, ComplexVector2&& right);

@@ -4,7 +4,7 @@
 /// A read-only look at complex numbers that somebody else owns.
 ///
 /// @code
-/// Tervane::Math::ComplexVector2 spectrum = …;
+/// Tervane::Math::ComplexVector2 spectrum(513);
 /// // All but element 0:
 /// auto withoutDC = spectrum.view().sliced(1, std::numeric_limits<std::size_t>::max());
 /// @endcode

@@ -23,6 +23,7 @@ public:
     /// No rows and no columns.
     constexpr Dimensions() noexcept = default;
 
+    /// The given numbers.
     constexpr Dimensions(std::size_t rows, std::size_t columns) noexcept : _rows(rows), _columns(columns) {}
 
     /// A reference into this object; it lives as long as the object does.

@@ -18,6 +18,8 @@
 namespace Tervane::Math {
 
 /// @name Functions of real vectors
+/// @{
+
 /// result[k] = f(x[k]), in the argument's length and orientation, computed where the execution policy says.
 /// Every element is, bit for bit, what the scalar function of the run-time library gives for it, under every
 /// policy: `std::sin`, `std::cos`, `std::exp`, `std::log10`, `std::sqrt`, and for `pow` `std::pow(x[k],
@@ -34,7 +36,6 @@ namespace Tervane::Math {
 /// computes the element.
 ///
 /// @throws std::bad_alloc when a new result cannot be allocated
-/// @{
 TVNMATH_API Vector2 abs(Vector2&& x);
 TVNMATH_API Vector2 abs(Vector2 const& x);
 TVNMATH_API Vector2 sin(Vector2&& x);
@@ -67,11 +68,12 @@ TVNMATH_API Vector pow(Vector const& x, int n);
 /// @}
 
 /// @name Magnitudes of complex vectors
+/// @{
+
 /// result[k] = `std::hypot` of the parts of z[k], which neither overflows nor underflows on the way. The
 /// result is a column, of a row too (compatibility C37). Computed where the execution policy says.
 ///
 /// @throws std::bad_alloc when the result cannot be allocated
-/// @{
 TVNMATH_API Vector2 abs(ComplexVector2 const& z);
 TVNMATH_API Vector abs(ComplexVector const& z);
 /// @}

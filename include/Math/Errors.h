@@ -7,8 +7,9 @@
 /// failure:
 ///
 /// @code
-/// auto const product = Tervane::Math::BLAS::gemm(NoTranspose, NoTranspose, a, b);
-/// if (!product && product.error() == Tervane::System::ErrorCode2(Tervane::Math::DimensionsMismatch))
+/// using namespace Tervane::Math;
+/// auto const product = BLAS::gemm(NoTranspose, NoTranspose, Matrix2(2, 3, 1.0), Matrix2(2, 3, 1.0));
+/// if (!product && product.error() == Tervane::System::ErrorCode2(DimensionsMismatch))
 ///     std::cerr << product.error().message() << '\n';        // dimensions mismatch
 /// @endcode
 ///
@@ -67,9 +68,10 @@ enum MathErrc : std::int32_t {
 };
 
 /// @name Categories of the current generation
+/// @{
+
 /// The one category object of each enumeration. A code that its table does not list has the text
 /// "Unrecognised error (N)".
-/// @{
 TVNMATH_API System::ErrorCategory2 const& linear_algebra_error_category();
 TVNMATH_API System::ErrorCategory2 const& fft_error_category();
 TVNMATH_API System::ErrorCategory2 const& emi_error_category();
@@ -113,29 +115,33 @@ public:
 
 namespace Tervane::System {
 
-/// @name Codes from enumerators
-/// Each makes the code of an enumerator in its category.
-/// @{
+/// Lets a Math::LinearAlgebraErrc be returned as an error.
 template<>
 struct TVNMATH_API ErrorCodeEnumConstructor<Math::LinearAlgebraErrc> {
+    /// The code of `e` in Math::linear_algebra_error_category().
     ErrorCode2 operator()(Math::LinearAlgebraErrc e) const;
 };
 
+/// Lets a Math::FFTErrc be returned as an error.
 template<>
 struct TVNMATH_API ErrorCodeEnumConstructor<Math::FFTErrc> {
+    /// The code of `e` in Math::fft_error_category().
     ErrorCode2 operator()(Math::FFTErrc e) const;
 };
 
+/// Lets a Math::EMIErrc be returned as an error.
 template<>
 struct TVNMATH_API ErrorCodeEnumConstructor<Math::EMIErrc> {
+    /// The code of `e` in Math::emi_error_category().
     ErrorCode2 operator()(Math::EMIErrc e) const;
 };
 
+/// Lets a Math::MathErrc be returned as an error.
 template<>
 struct TVNMATH_API ErrorCodeEnumConstructor<Math::MathErrc> {
+    /// The code of `e` in Math::math_error_category().
     ErrorCode2 operator()(Math::MathErrc e) const;
 };
-/// @}
 
 /// Makes legacy errors from LinearAlgebraErrorCode. Stateless.
 template<>
@@ -145,8 +151,9 @@ public:
     static ErrorCode make(Math::LinearAlgebraErrorCode code);
 
     /// @name With a text
-    /// The text is accepted and dropped, the error is that of make(code) (compatibility C4).
     /// @{
+
+    /// The text is accepted and dropped, the error is that of make(code) (compatibility C4).
     static ErrorCode make(Math::LinearAlgebraErrorCode code, String&& text);
     static ErrorCode make(Math::LinearAlgebraErrorCode code, String const& text);
     /// @}

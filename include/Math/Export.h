@@ -6,6 +6,11 @@
 
 #include <System/Export.h>
 
+/// @def TVNMATH_API
+/// Offers a declaration to other modules.
+/// @def TVNMATH_LOCAL
+/// Keeps a member of an offered class inside the library.
+
 #if defined(__GNUC__)
 #    define TVNMATH_API __attribute__((visibility("default")))
 #    define TVNMATH_LOCAL __attribute__((visibility("hidden")))

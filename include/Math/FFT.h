@@ -5,8 +5,11 @@
 ///
 /// @code
 /// using namespace Tervane::Math;
+/// Vector2 const samples = sin(0.1 * arange(1000));
 /// auto const spectrum = FFT::fft_real(samples);
-/// auto const again = FFT::ifft_real(spectrum.value(), samples.length());     // the samples, up to rounding
+/// if (!spectrum)
+///     return spectrum.error();
+/// auto const again = FFT::ifft_real(*spectrum, samples.length());     // the samples, up to rounding
 /// @endcode
 ///
 /// The length may be any number; it is fastest when all of its prime factors are small.
@@ -47,10 +50,11 @@ TVNMATH_API System::Expected<ComplexVector2, System::ErrorCode2> fft_real(Vector
 TVNMATH_API System::Expected<Vector2, System::ErrorCode2> ifft_real(ComplexVector2 const& X, std::size_t n);
 
 /// @name Legacy
+/// @{
+
 /// The same transforms. `error` is never written (compatibility C58): a transform that cannot be set up, as
 /// for a length of 0, leaves the result as it was made, zeros of length n / 2 + 1 or n. Use the current forms
 /// to hear of failures.
-/// @{
 TVNMATH_API ComplexVector fft_real(Vector const& x, System::ErrorCode& error);
 TVNMATH_API Vector ifft_real(ComplexVector const& X, std::size_t n, System::ErrorCode& error);
 /// @}

@@ -14,9 +14,10 @@
 namespace Tervane::Math {
 
 /// @name Floor division
+/// @{
+
 /// floor(a / b), computed in double; a length is converted first. Nothing is checked: a division by zero
 /// gives an infinity or a NaN. Any other integer type for `a` is ambiguous.
-/// @{
 TVNMATH_API double floordiv(double const& a, double const& b);
 TVNMATH_API double floordiv(std::size_t a, double const& b);
 /// @}

@@ -21,8 +21,9 @@
 namespace Tervane::Math {
 
 /// @name Zeros
-/// A column of `n` zeros, in either generation.
 /// @{
+
+/// A column of `n` zeros, in either generation.
 TVNMATH_API Vector2 zeros(std::size_t n);
 TVNMATH_API Vector zeros_old(std::size_t n);
 /// @}

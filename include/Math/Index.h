@@ -20,14 +20,19 @@ public:
     /// Row 0, column 0.
     constexpr Index() noexcept = default;
 
+    /// The given position.
     constexpr Index(std::size_t row, std::size_t column) noexcept : _row(row), _column(column) {}
 
+    /// @{
+    /// Counted from 0.
     constexpr std::size_t row() const noexcept { return _row; }
     constexpr std::size_t column() const noexcept { return _column; }
+    /// @}
 
     /// @name Changes
-    /// Each returns this index, so that calls chain.
     /// @{
+
+    /// Each returns this index, so that calls chain.
     constexpr Index& setRow(std::size_t row) noexcept {
         _row = row;
         return *this;

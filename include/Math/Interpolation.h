@@ -22,6 +22,8 @@
 namespace Tervane::Math {
 
 /// @name Interpolation
+/// @{
+
 /// For each element q of `x` the value at q of the function that runs straight from (xp[k-1], fp[k-1]) to
 /// (xp[k], fp[k]), where k is the first index with xp[k] >= q:
 /// `std::lerp(fp[k-1], fp[k], (q - xp[k-1]) / (xp[k] - xp[k-1]))`.
@@ -39,7 +41,6 @@ namespace Tervane::Math {
 /// @param xp the breakpoints, in ascending order
 /// @param fp the values: one for each breakpoint, and at least one
 /// @throws std::bad_alloc when a new result cannot be allocated
-/// @{
 TVNMATH_API Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp);
 TVNMATH_API Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp);
 TVNMATH_API Vector2 interp(Vector2 const& x, Vector2 const& xp, VectorView2 const& fp);
@@ -50,11 +51,12 @@ TVNMATH_API double interp(double const& x, Vector2 const& xp, Vector2 const& fp)
 /// @}
 
 /// @name Interpolation of legacy vectors
+/// @{
+
 /// As above but for one difference: up to the first breakpoint the result is xp[0], the breakpoint itself,
 /// not fp[0] (compatibility C41).
 ///
 /// `fp` is read through its virtual operations, under the parallel policies from several threads at once.
-/// @{
 TVNMATH_API Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp);
 TVNMATH_API Vector interp(Vector const& x, Vector const& xp, ViewVector const& fp);
 TVNMATH_API Vector interp(Vector const& x, Vector const& xp, Vector const& fp);

@@ -5,9 +5,14 @@
 ///
 /// @code
 /// using namespace Tervane::Math;
+/// Matrix2 model(100, 2, 1.0);                         // a line: a column of ones, and one of the times
+/// Vector2 const time = linspace(0.0, 1.0, 100);
+/// std::copy_n(time.data(), 100, model[1]);
+/// Vector2 measurements = 3.0 + 2.0 * time;
 /// if (auto const solved = LAPACK::gels(NoTranspose, model, measurements); !solved)
 ///     return solved.error();
-/// use(measurements);                  // its first model.columns() elements are the fitted parameters
+/// double const offset = measurements[0];              // 3: the first elements are the fitted parameters
+/// double const slope = measurements[1];               // 2
 /// @endcode
 ///
 /// Everything is solved in place: the drivers overwrite their arguments. Each call takes the workspace that
@@ -92,11 +97,12 @@ TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gglse(Matrix2& A, Matr
                                                                 Vector2& d);
 
 /// @name Legacy
+/// @{
+
 /// As the current forms, with the codes of LinearAlgebraErrorCode in `error`, which is left as it is on
 /// success (compatibility C8). Here `gesv` does tell MatrixNotSquare and DimensionsMismatch. An exception, of
 /// a failed allocation for example, is described in `error` too (compatibility C55). `gelsd` takes the error
 /// before rcond. `gglse` gives an empty vector on any error.
-/// @{
 TVNMATH_API void gesv(Matrix& A, Vector& b, System::ErrorCode& error);
 TVNMATH_API void gels(Transpose trans, Matrix& A, Vector& b, System::ErrorCode& error);
 TVNMATH_API void gelsd(Matrix& A, Vector& b, System::ErrorCode& error, double const& rcond);

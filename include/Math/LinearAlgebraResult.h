@@ -4,9 +4,10 @@
 /// A legacy holder for the outcome of a solve or a fit.
 ///
 /// @code
-/// Tervane::Math::LinearAlgebraResult fit(std::move(solution), std::move(residuals), std::move(error));
+/// using namespace Tervane::Math;
+/// LinearAlgebraResult fit(Vector{3.0, 2.0}, Vector{0.1, -0.1, 0.0}, Tervane::System::ErrorCode());
 /// if (!fit.hasError())
-///     use(fit.solution(0), fit.rss(0));
+///     std::cout << fit.solution(0)[1] << ", residual " << fit.rss(0) << '\n';
 /// @endcode
 
 #include <Math/Export.h>
@@ -42,8 +43,9 @@ public:
     LinearAlgebraResult(Vector&& solutions, Vector&& residuals, System::ErrorCode&& error);
 
     /// @name Moves
-    /// What is moved from may only be destroyed or assigned to.
     /// @{
+
+    /// What is moved from may only be destroyed or assigned to.
     LinearAlgebraResult(LinearAlgebraResult&& other) noexcept;
     LinearAlgebraResult& operator=(LinearAlgebraResult&& other) noexcept;
     ~LinearAlgebraResult() override;
@@ -53,9 +55,10 @@ public:
     std::size_t numberSolutions() const;
 
     /// @name Views
+    /// @{
+
     /// Of the i-th solution and of its residuals, in place: valid as long as this result is. Not callable on
     /// a constant result.
-    /// @{
     ViewVector solution(std::size_t i);
     ViewVector residuals(std::size_t i);
     /// @}

@@ -37,8 +37,9 @@ public:
     Matrix();
 
     /// @name A filled matrix
-    /// Every element is `fill`.
     /// @{
+
+    /// Every element is `fill`.
     Matrix(std::size_t rows, std::size_t columns, double const& fill);
     Matrix(Dimensions const& dimensions, double const& fill);
     /// @}

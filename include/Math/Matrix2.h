@@ -60,9 +60,10 @@ public:
     ~Matrix2();
 
     /// @name Elements
+    /// @{
+
     /// The element at a row and a column.
     /// @pre the index lies in the matrix
-    /// @{
     double& operator[](Index const& i) noexcept { return _elements[i.row() + i.column() * rows()]; }
     double const& operator[](Index const& i) const noexcept {
         return _elements[i.row() + i.column() * rows()];
@@ -70,10 +71,11 @@ public:
     /// @}
 
     /// @name Columns
+    /// @{
+
     /// The address of the first element of column `c`, so that `m[c][r]` is element (r, c): the column comes
     /// first (compatibility C24).
     /// @pre `c` is below columns()
-    /// @{
     double* operator[](std::size_t c) noexcept { return data() + c * rows(); }
     double const* operator[](std::size_t c) const noexcept { return data() + c * rows(); }
     /// @}
@@ -94,8 +96,9 @@ public:
     /// @}
 
     /// @name Storage
-    /// The elements, column after column; null when there are none.
     /// @{
+
+    /// The elements, column after column; null when there are none.
     double* data() noexcept { return _elements.data(); }
     double const* data() const noexcept { return _elements.data(); }
     /// @}

@@ -4,8 +4,10 @@
 /// A start/stop/step selection over a vector.
 ///
 /// @code
-/// auto const everyOther = vector[Tervane::Math::makeSlice(0, 10, 2)];    // elements 0, 2, 4, 6, 8
-/// auto const lastThree = vector[Tervane::Math::makeSlice(-3, 10, 1)];    // of ten: 7, 8, 9
+/// using namespace Tervane::Math;
+/// Vector2 const vector = arange(10);
+/// Vector2 const everyOther = vector[makeSlice(0, 10, 2)];    // elements 0, 2, 4, 6, 8
+/// Vector2 const lastThree = vector[makeSlice(-3, 10, 1)];    // elements 7, 8, 9
 /// @endcode
 
 namespace Tervane::Math {
@@ -32,8 +34,9 @@ constexpr Slice makeSlice(int start, int stop, int step) noexcept;
 class Slice {
 public:
     /// @name Fields
-    /// As given to makeSlice().
     /// @{
+
+    /// As given to makeSlice().
     constexpr int start() const noexcept { return _start; }
     constexpr int stop() const noexcept { return _stop; }
     constexpr int step() const noexcept { return _step; }

@@ -4,7 +4,8 @@
 /// Vectors in ascending order. The legacy generation sorts with the member Vector::sort.
 ///
 /// @code
-/// Tervane::Math::Vector2 const samples = …;
+/// using namespace Tervane::Math;
+/// Vector2 const samples = Random::uniform(0.0, 1.0, 101);
 /// double const median = sort(samples)[samples.length() / 2];
 /// @endcode
 
@@ -14,13 +15,14 @@
 namespace Tervane::Math {
 
 /// @name Sorted vectors
+/// @{
+
 /// The elements in ascending order, in the argument's orientation. Equal elements, 0.0 and -0.0 among them,
 /// may change places. An rvalue lends its storage and is left empty; otherwise the result is new. Runs on the
 /// calling thread whatever the execution policy, in O(n log n).
 ///
 /// @pre No element is a NaN; where there are some, the order is unspecified.
 /// @throws std::bad_alloc when a new result cannot be allocated
-/// @{
 TVNMATH_API Vector2 sort(Vector2&& x);
 TVNMATH_API Vector2 sort(Vector2 const& x);
 /// @}

@@ -4,8 +4,7 @@
 /// The owning vector of the legacy generation and its arithmetic.
 ///
 /// @code
-/// using Tervane::Math::Vector;
-///
+/// using namespace Tervane::Math;
 /// Vector const t = Vector::linspace(0.0, 1.0, 5);
 /// Vector x = 2.0 * t + 1.0;                     // 1, 1.5, 2, 2.5, 3; allocates once
 /// x += t;
@@ -55,12 +54,13 @@ public:
     Vector(std::initializer_list<double> values);
 
     /// @name Concatenation
+    /// @{
+
     /// The elements of the given vectors one after the other, as a column whatever the vectors are
     /// (compatibility C66).
     ///
     /// Copy a single vector with parentheses: in braces it is a list of one for some compilers, which makes a
     /// column of it, and a copy for others.
-    /// @{
     Vector(Vector const* vectors, std::size_t n);
     Vector(std::initializer_list<Vector> vectors);
     /// @}
@@ -165,9 +165,10 @@ public:
     Vector& sort();
 
     /// @name Comparison with a threshold
+    /// @{
+
     /// For each element whether it is below or above `t`; false for a NaN. Not callable on a const vector
     /// (compatibility C21).
-    /// @{
     std::vector<bool> operator<(double const& t);
     std::vector<bool> operator>(double const& t);
     /// @}
@@ -179,11 +180,12 @@ public:
     Vector operator-() &&;
 
     /// @name Compound assignment
+    /// @{
+
     /// In place, for every element of this vector, on the element-wise dispatch. The forms for any vector
     /// read its elements in order from data().
     ///
     /// @pre `b` is not shorter than this vector; nothing checks this, so compare the lengths first
-    /// @{
     Vector& operator+=(Vector const& b);
     Vector& operator-=(Vector const& b);
     Vector& operator+=(AbstractVector const& b);
@@ -194,6 +196,8 @@ public:
 } // namespace Tervane::Math
 
 /// @name Sum and difference of two vectors
+/// @{
+
 /// Element by element, on the element-wise dispatch. An rvalue operand lends its elements, its storage and
 /// its orientation to the result, the left one if both are rvalues, and nothing is allocated.
 ///
@@ -203,7 +207,6 @@ public:
 /// At least one operand must be an rvalue: `a + b` with two named vectors does not compile (compatibility
 /// C73). Write `Vector(a) + b`. The operators stand in the global namespace, and Tervane::Math names them
 /// too, so that code in any namespace finds them.
-/// @{
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector&& a, Tervane::Math::Vector const& b);
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector&& a, Tervane::Math::Vector&& b);
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector const& a, Tervane::Math::Vector&& b);
@@ -218,9 +221,10 @@ using ::operator+;
 using ::operator-;
 
 /// @name Product of two vectors
+/// @{
+
 /// Element by element; operands, lengths and orientation as in the sum. Of two named operands the left one is
 /// copied.
-/// @{
 TVNMATH_API Vector operator*(Vector&& a, Vector const& b);
 TVNMATH_API Vector operator*(Vector&& a, Vector&& b);
 TVNMATH_API Vector operator*(Vector const& a, Vector&& b);
@@ -228,12 +232,13 @@ TVNMATH_API Vector operator*(Vector const& a, Vector const& b);
 /// @}
 
 /// @name Vector and scalar
+/// @{
+
 /// Element by element, on the element-wise dispatch. The result takes over the elements of an rvalue vector
 /// and is a copy of any other, in the vector's orientation. One form is different: `s * std::move(v)` copies,
 /// and leaves `v` as it is (compatibility C71).
 ///
 /// There is no scalar divided by a vector, and no quotient of two vectors.
-/// @{
 TVNMATH_API Vector operator*(Vector&& v, double const& s);
 TVNMATH_API Vector operator*(Vector const& v, double const& s);
 TVNMATH_API Vector operator*(double const& s, Vector&& v);

@@ -67,8 +67,9 @@ public:
     ~Vector2();
 
     /// @name Elements
-    /// @pre the index is below length(); for front() and back() the vector is not empty
     /// @{
+
+    /// @pre the index is below length(); for front() and back() the vector is not empty
     double& operator[](std::size_t i) noexcept { return _elements[i]; }
     double const& operator[](std::size_t i) const noexcept { return _elements[i]; }
     double& front() noexcept { return _elements[0]; }
@@ -84,8 +85,9 @@ public:
     Vector2 operator[](Slice const& slice) const;
 
     /// @name Storage
-    /// The address of the first element; null for a vector that never allocated.
     /// @{
+
+    /// The address of the first element; null for a vector that never allocated.
     double* data() noexcept { return _elements.data(); }
     double const* data() const noexcept { return _elements.data(); }
     /// @}
@@ -125,11 +127,12 @@ public:
     System::Expected<System::String2, System::ErrorCode2> toString();
 
     /// @name Compound assignment
+    /// @{
+
     /// this[k] = this[k] op right[k], or op the scalar, for each of this vector's elements, in place, where
     /// the execution policy says. Neither length nor orientation changes. An integer is converted to double.
     ///
     /// @pre the right operand is not shorter than this vector; a longer one is read in part
-    /// @{
     Vector2& operator+=(Vector2 const& right);
     Vector2& operator+=(VectorView2 const& right);
     Vector2& operator+=(double const& right);
@@ -153,9 +156,10 @@ public:
     /// @}
 
     /// @name Negation
+    /// @{
+
     /// Flips the sign of every element, so 0.0 becomes -0.0 (compatibility C33). Of an lvalue a new vector
     /// with this one's length and orientation; of an rvalue in place, giving this vector back.
-    /// @{
     Vector2 operator-() const&;
     Vector2& operator-() &&;
     /// @}
@@ -168,6 +172,8 @@ private:
 };
 
 /// @name Arithmetic
+/// @{
+
 /// result[k] = left[k] op right[k], a scalar standing for a vector of that value; computed in double, where
 /// the execution policy says. An integer is converted to double.
 ///
@@ -193,7 +199,6 @@ private:
 /// @pre operands that are read have at least the length of the operand whose elements are walked; a longer
 ///      one is read in part. Nothing checks this.
 /// @throws std::bad_alloc, std::length_error when a new result cannot be allocated
-/// @{
 TVNMATH_API Vector2 operator+(Vector2&& left, Vector2&& right);
 TVNMATH_API Vector2 operator+(Vector2&& left, Vector2 const& right);
 TVNMATH_API Vector2 operator+(Vector2&& left, VectorView2 const& right);

@@ -4,9 +4,10 @@
 /// A read-only look at real numbers that somebody else owns.
 ///
 /// @code
-/// Tervane::Math::Matrix2 samples = …;
-/// Tervane::Math::VectorView2 secondColumn(samples, 1);
-/// Tervane::Math::Vector2 const copy(secondColumn.sliced(10, 5));    // elements 10 to 14
+/// using namespace Tervane::Math;
+/// Matrix2 const samples(100, 2, 0.0);
+/// VectorView2 secondColumn(samples, 1);
+/// Vector2 const copy(secondColumn.sliced(10, 5));    // elements 10 to 14
 /// @endcode
 
 #include <Math/Dimensions.h>

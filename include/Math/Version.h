@@ -8,16 +8,19 @@
 /// #if TVNMATH_VERSION < 10000
 /// #    error "this program needs TVNMath 1.0"
 /// #endif
-/// std::cout << "compiled with " << TVNMATH_VERSION_STRING << ", running with " << Tervane::Math::version()
-/// << '\n';
+/// std::cout << "compiled with " << TVNMATH_VERSION_STRING << '\n';
+/// std::cout << "running with " << Tervane::Math::version() << '\n';
 /// @endcode
 ///
 /// The version of the whole project stands here and nowhere else: the build system reads these lines.
 
 #include <Math/Export.h>
 
+/// Changes when the binary interface does.
 #define TVNMATH_VERSION_MAJOR 1
+/// Changes when something is added.
 #define TVNMATH_VERSION_MINOR 0
+/// Changes when something is mended.
 #define TVNMATH_VERSION_PATCH 0
 
 /// The headers' version as one number that can be compared: 10203 is version 1.2.3.

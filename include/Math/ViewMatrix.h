@@ -14,9 +14,13 @@ namespace Tervane::Math {
 class TVNMATH_API ViewMatrix : public AbstractMatrix {
 public:
     ViewMatrix() noexcept = default;
+    /// There is no state to copy or move.
     ViewMatrix(ViewMatrix const&) noexcept = default;
+    /// There is no state to copy or move.
     ViewMatrix(ViewMatrix&&) noexcept = default;
+    /// There is no state to assign.
     ViewMatrix& operator=(ViewMatrix const&) noexcept = default;
+    /// There is no state to assign.
     ViewMatrix& operator=(ViewMatrix&&) noexcept = default;
     ~ViewMatrix() override;
 };

@@ -4,10 +4,12 @@
 /// The view of a vector in the legacy generation.
 ///
 /// @code
+/// using namespace Tervane::Math;
 /// double const samples[] = {1.0, 2.0, 3.0, 4.0};
-/// Tervane::Math::ViewVector const all(samples, 4, Tervane::Math::Column);
-/// Tervane::Math::ViewVector const middle = all.sliced(1, 2);           // 2, 3
-/// Tervane::Math::ViewVector const column(matrix, 0);                   // the first column of a Matrix
+/// ViewVector const all(samples, 4, Column);
+/// ViewVector const middle = all.sliced(1, 2);           // 2, 3
+/// Matrix const matrix(3, 2, 0.0);
+/// ViewVector const column(matrix, 0);                   // the first column
 /// @endcode
 
 #include <Math/BasicObject.h>
@@ -43,8 +45,9 @@ public:
     ViewVector(Matrix const& m, std::size_t column);
 
     /// @name Copies and moves
-    /// A copy looks at the same elements. What is moved from has no data object.
     /// @{
+
+    /// A copy looks at the same elements. What is moved from has no data object.
     ViewVector(ViewVector const& other);
     ViewVector(ViewVector&& other) noexcept;
     ViewVector& operator=(ViewVector const& other);

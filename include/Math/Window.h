@@ -5,6 +5,7 @@
 ///
 /// @code
 /// using namespace Tervane::Math;
+/// Vector const samples(1024, 1.0);
 /// Vector const window = SignalProcessing::Window::hamming(1024, false);    // periodic
 /// Vector const tapered = window * samples;
 /// @endcode
@@ -15,6 +16,8 @@
 namespace Tervane::Math::SignalProcessing::Window {
 
 /// @name Symmetric windows
+/// @{
+
 /// N points k = 0 … N - 1 of a raised cosine, as a column. With D = N - 1 and 2π the
 /// double 6.283185307179586:
 ///
@@ -30,13 +33,14 @@ namespace Tervane::Math::SignalProcessing::Window {
 /// transform", Proceedings of the IEEE 66 (1978).
 ///
 /// @throws std::bad_alloc when the result cannot be allocated
-/// @{
 TVNMATH_API Vector hann(int N);
 TVNMATH_API Vector hamming(int N);
 TVNMATH_API Vector blackman(int N);
 /// @}
 
 /// @name Periodic windows
+/// @{
+
 /// With `symmetric` the window of N points above; without, that of N + 1 points with its last one dropped.
 /// So hamming(1, false) is [0.08] and the windows of no points are empty. There is no periodic hann.
 ///
@@ -45,7 +49,6 @@ TVNMATH_API Vector blackman(int N);
 /// @param N without `symmetric` not negative: there is no point to drop from the empty window, and the
 ///        request for -1 elements throws `std::length_error` ("vector too long")
 /// @param symmetric whether the first and the last point are alike
-/// @{
 TVNMATH_API Vector hamming(int N, bool symmetric);
 TVNMATH_API Vector blackman(int N, bool symmetric);
 /// @}

@@ -4,10 +4,13 @@
 /// Error codes of the old generation, which operations report through a trailing `ErrorCode&`.
 ///
 /// @code
+/// using namespace Tervane::Math;
+/// using namespace Tervane::System;
+/// Matrix const a(2, 3, 1.0);
 /// ErrorCode error;
-/// Matrix product = a.multiply(b, error);
+/// Matrix const product = a.multiply(a, error);
 /// if (error.hasError()) {
-///     report(error.message());
+///     std::cerr << error.message() << '\n';    // dimensions mismatch
 /// }
 /// @endcode
 
@@ -32,7 +35,9 @@ public:
 
 protected:
     ErrorCategory() noexcept;
+    /// A copy of `other`.
     ErrorCategory(ErrorCategory const& other) noexcept;
+    /// Becomes a copy of `other`.
     ErrorCategory& operator=(ErrorCategory const& other) noexcept;
 };
 
@@ -45,10 +50,14 @@ public:
     /// @p code of @p category, which must outlive this object. Any code is an error, 0 included
     /// (compatibility C9).
     ErrorCode(int code, ErrorCategory const& category) noexcept;
+    /// A copy of `other`.
     ErrorCode(ErrorCode const& other);
+    /// Takes over what `other` holds.
     ErrorCode(ErrorCode&& other) noexcept;
     virtual ~ErrorCode();
+    /// Becomes a copy of `other`.
     ErrorCode& operator=(ErrorCode const& other);
+    /// Takes over what `other` holds.
     ErrorCode& operator=(ErrorCode&& other) noexcept;
 
     /// Takes over the state of @p other: its code, its category and its text.

@@ -17,12 +17,14 @@ namespace Tervane::System {
 /// Enumerators of `std::io_errc` are codes of the iostream category.
 template<>
 struct TVNCORE_API ErrorCodeEnumConstructor<std::io_errc> {
+    /// The code of @p enumerator in iostream_error_category().
     ErrorCode2 operator()(std::io_errc enumerator) const noexcept;
 };
 
 /// Enumerators of `std::future_errc` are codes of the future category.
 template<>
 struct TVNCORE_API ErrorCodeEnumConstructor<std::future_errc> {
+    /// The code of @p enumerator in future_error_category().
     ErrorCode2 operator()(std::future_errc enumerator) const noexcept;
 };
 

@@ -23,6 +23,11 @@
 #    error "TVNMath needs the current std::string: compile without _GLIBCXX_USE_CXX11_ABI=0."
 #endif
 
+/// @def TVNCORE_API
+/// Offers a declaration to other modules.
+/// @def TVNCORE_LOCAL
+/// Keeps a member of an offered class inside the library.
+
 #if defined(__GNUC__)
 #    define TVNCORE_API __attribute__((visibility("default")))
 #    define TVNCORE_LOCAL __attribute__((visibility("hidden")))

@@ -4,12 +4,16 @@
 /// `guard`, the boundary at which exceptions become errors.
 ///
 /// @code
-/// Expected<Vector2, ErrorCode2> solve(Matrix2 const& matrix, Vector2 const& rightHandSide) {
+/// using namespace Tervane::Math;
+/// using namespace Tervane::System;
+///
+/// Expected<Vector2, ErrorCode2> solve(Matrix2 matrix, Vector2 rightHandSide) {
 ///     return guard<Vector2>([&] {
-///         if (matrix.rows() != matrix.columns()) {
-///             throw SystemError(LinearAlgebraErrc::MatrixNotSquare);
+///         if (!matrix.isSquare()) {
+///             throw SystemError(MatrixNotSquare);
 ///         }
-///         return solveSquare(matrix, rightHandSide);
+///         LAPACK::gesv(matrix, rightHandSide).value();    // an error leaves by an exception, too
+///         return rightHandSide;
 ///     });
 /// }
 /// @endcode

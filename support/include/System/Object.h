@@ -5,6 +5,8 @@
 /// object.
 ///
 /// @code
+/// using namespace Tervane::System;
+///
 /// struct CounterData : ObjectData {
 ///     int count = 0;
 /// };
@@ -26,8 +28,10 @@ namespace Tervane::System {
 class TVNCORE_API ObjectData {
 public:
     ObjectData() noexcept;
+    /// A copy of `other`.
     ObjectData(ObjectData const& other) noexcept;
     virtual ~ObjectData();
+    /// Becomes a copy of `other`.
     ObjectData& operator=(ObjectData const& other) noexcept;
 };
 
@@ -39,6 +43,7 @@ public:
     UniquePointer() noexcept = default;
     /// Takes over @p object, which may be null and is deleted in the end as a `T`.
     explicit UniquePointer(T* object) noexcept : _object(object) {}
+    /// Takes over what `other` holds.
     UniquePointer(UniquePointer&& other) noexcept : _object(std::exchange(other._object, nullptr)) {}
     ~UniquePointer() { delete _object; }
     /// Deletes what was owned before and takes over what @p other owns; assigning a pointer to itself changes
@@ -69,7 +74,9 @@ extern template class TVNCORE_API UniquePointer<ObjectData>;
 /// destroyed or assigned to.
 class TVNCORE_API Object {
 public:
+    /// Takes over what `other` holds.
     Object(Object&& other) noexcept;
+    /// Takes over what `other` holds.
     Object& operator=(Object&& other) noexcept;
     virtual ~Object();
 

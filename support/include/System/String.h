@@ -4,8 +4,8 @@
 /// `String`, the string type of the old generation.
 ///
 /// @code
-/// String name = u8"math_la";
-/// std::string narrow = name.narrow();
+/// Tervane::System::String const name = u8"math_la";
+/// std::string const narrow = name.narrow();
 /// @endcode
 
 #include <System/Export.h>
@@ -26,10 +26,14 @@ public:
     String() noexcept;
     /// Copies the zero-terminated @p text, which is trusted to be UTF-8.
     String(char8_t const* text);
+    /// A copy of `other`.
     String(String const& other);
+    /// Takes over what `other` holds.
     String(String&& other) noexcept;
     virtual ~String();
+    /// Becomes a copy of `other`.
     String& operator=(String const& other);
+    /// Takes over what `other` holds.
     String& operator=(String&& other) noexcept;
 
     /// The bytes, followed by a zero; never null. Valid until the string is changed, moved from or destroyed.

@@ -4,9 +4,10 @@
 /// Error codes of the current generation: a number, and the category that gives it a meaning.
 ///
 /// @code
-/// ErrorCode2 code = std::errc::result_out_of_range;
+/// using namespace Tervane::System;
+/// ErrorCode2 const code = std::errc::result_out_of_range;
 /// if (code == ErrorCode2(std::errc::result_out_of_range)) {
-///     report(code.category().name(), code.message());
+///     std::cerr << code.category().name() << ": " << code.message() << '\n';
 /// }
 /// @endcode
 ///
@@ -105,6 +106,7 @@ TVNCORE_API ErrorCategory2 const& iostream_error_category() noexcept;
 /// Enumerators of `std::errc` are codes of the generic category.
 template<>
 struct TVNCORE_API ErrorCodeEnumConstructor<std::errc> {
+    /// The code of @p enumerator in generic_error_category().
     ErrorCode2 operator()(std::errc enumerator) const noexcept;
 };
 

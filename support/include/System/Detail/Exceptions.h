@@ -4,10 +4,12 @@
 /// The exceptions in which failures travel inside the libraries, and the one that `Expected::value()` throws.
 ///
 /// @code
+/// using namespace Tervane::System;
+/// Expected<String2, ErrorCode2> const digits = toString(42);
 /// try {
-///     return result.value();
+///     std::cout << digits.value() << '\n';
 /// } catch (bad_expected_access<ErrorCode2> const& exception) {
-///     report(exception.error().message());
+///     std::cerr << exception.error().message() << '\n';
 /// }
 /// @endcode
 ///
@@ -48,11 +50,16 @@ private:
 /// An exception with a message of its own.
 class TVNCORE_API Exception2 : public std::exception {
 public:
+    /// An exception that says @p message.
     explicit Exception2(std::string message);
+    /// A copy of `other`.
     Exception2(Exception2 const& other);
+    /// Takes over what `other` holds.
     Exception2(Exception2&& other) noexcept;
     ~Exception2() override;
+    /// Becomes a copy of `other`.
     Exception2& operator=(Exception2 const& other);
+    /// Takes over what `other` holds.
     Exception2& operator=(Exception2&& other) noexcept;
 
     /// The message.
@@ -65,22 +72,32 @@ private:
 /// A failure that only shows when the program runs.
 class TVNCORE_API RuntimeError : public Exception2 {
 public:
+    /// Made as an Exception2 is.
     using Exception2::Exception2;
+    /// A copy of `other`.
     RuntimeError(RuntimeError const& other);
+    /// Takes over what `other` holds.
     RuntimeError(RuntimeError&& other) noexcept;
     ~RuntimeError() override;
+    /// Becomes a copy of `other`.
     RuntimeError& operator=(RuntimeError const& other);
+    /// Takes over what `other` holds.
     RuntimeError& operator=(RuntimeError&& other) noexcept;
 };
 
 /// A failure that has an error code; its message names the category, the number and the category's text.
 class TVNCORE_API SystemError : public RuntimeError {
 public:
+    /// An exception that carries @p code and says its text.
     explicit SystemError(ErrorCode2 code);
+    /// A copy of `other`.
     SystemError(SystemError const& other);
+    /// Takes over what `other` holds.
     SystemError(SystemError&& other) noexcept;
     ~SystemError() override;
+    /// Becomes a copy of `other`.
     SystemError& operator=(SystemError const& other);
+    /// Takes over what `other` holds.
     SystemError& operator=(SystemError&& other) noexcept;
 
     /// The code that the exception was made with.
@@ -98,10 +115,14 @@ template<>
 class TVNCORE_API bad_expected_access<void> : public std::exception {
 public:
     bad_expected_access() noexcept;
+    /// A copy of `other`.
     bad_expected_access(bad_expected_access const& other) noexcept;
+    /// Takes over what `other` holds.
     bad_expected_access(bad_expected_access&& other) noexcept;
     ~bad_expected_access() override;
+    /// Becomes a copy of `other`.
     bad_expected_access& operator=(bad_expected_access const& other) noexcept;
+    /// Takes over what `other` holds.
     bad_expected_access& operator=(bad_expected_access&& other) noexcept;
 
     /// "bad expected access".
@@ -112,11 +133,16 @@ public:
 template<>
 class TVNCORE_API bad_expected_access<ErrorCode2> : public bad_expected_access<void> {
 public:
+    /// An exception that owns @p error.
     explicit bad_expected_access(ErrorCode2 error) noexcept;
+    /// A copy of `other`.
     bad_expected_access(bad_expected_access const& other) noexcept;
+    /// Takes over what `other` holds.
     bad_expected_access(bad_expected_access&& other) noexcept;
     ~bad_expected_access() override;
+    /// Becomes a copy of `other`.
     bad_expected_access& operator=(bad_expected_access const& other) noexcept;
+    /// Takes over what `other` holds.
     bad_expected_access& operator=(bad_expected_access&& other) noexcept;
 
     /// "bad expected access".

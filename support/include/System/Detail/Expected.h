@@ -4,13 +4,14 @@
 /// `Expected<T, ErrorCode2>`, the result of an operation that can fail.
 ///
 /// @code
-/// Expected<Vector2, ErrorCode2> solution = solve(matrix, rightHandSide);
-/// if (solution) {
-///     use(*solution);
-/// } else if (solution.error() == ErrorCode2(LinearAlgebraErrc::MatrixSingular)) {
-///     askForAnotherMatrix();
+/// using namespace Tervane::System;
+/// Expected<String2, ErrorCode2> const text = utf8ToUtf8("volts", 5);
+/// if (text) {
+///     std::cout << *text << '\n';
+/// } else if (text.error() == ErrorCode2(std::errc::illegal_byte_sequence)) {
+///     std::cerr << "not UTF-8\n";
 /// }
-/// use(solve(matrix, rightHandSide).value()); // throws bad_expected_access<ErrorCode2> instead
+/// std::cout << text.value() << '\n'; // throws bad_expected_access<ErrorCode2> when there is an error
 /// @endcode
 
 #include <System/Detail/ErrorCode2.h>
@@ -262,10 +263,14 @@ public:
     Expected(Enumeration error) : _hasValue(false), _error(ErrorCodeEnumConstructor<Enumeration>{}(error)) {}
     /// @}
 
+    /// A copy of `other`.
     TVNCORE_API Expected(Expected const& other) noexcept;
+    /// Takes over what `other` holds.
     TVNCORE_API Expected(Expected&& other) noexcept;
     TVNCORE_API ~Expected();
+    /// Becomes a copy of `other`.
     TVNCORE_API Expected& operator=(Expected const& other) noexcept;
+    /// Takes over what `other` holds.
     TVNCORE_API Expected& operator=(Expected&& other) noexcept;
 
     /// Exchanges the two results, whatever their states.

@@ -4,8 +4,9 @@
 /// `String2`, the current string type, and the two functions that make one with a result to test.
 ///
 /// @code
+/// using namespace Tervane::System;
 /// String2 text = u8"Unrecognised error (";
-/// Expected<String2, ErrorCode2> digits = toString(12);
+/// Expected<String2, ErrorCode2> const digits = toString(12);
 /// text = std::move(text) + (digits ? digits->data() : u8"?") + u8")";
 /// @endcode
 
@@ -48,10 +49,14 @@ public:
     String2() noexcept;
     /// Copies the zero-terminated @p text, which is trusted to be UTF-8.
     String2(char8_t const* text);
+    /// A copy of `other`.
     String2(String2 const& other);
+    /// Takes over what `other` holds.
     String2(String2&& other) noexcept;
     ~String2();
+    /// Becomes a copy of `other`.
     String2& operator=(String2 const& other);
+    /// Takes over what `other` holds.
     String2& operator=(String2&& other) noexcept;
 
     /// The bytes, followed by a zero; never null. Valid until the string is changed, moved from or destroyed.
