@@ -28,3 +28,32 @@ set(_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH TVNMATH_PKGCONFIG_TO_PREFIX /prefix/${_pkgconfig_dir} /prefix)
 configure_file(cmake/tvnmath.pc.in ${CMAKE_CURRENT_BINARY_DIR}/tvnmath.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tvnmath.pc DESTINATION ${_pkgconfig_dir} COMPONENT development)
+
+# The licence, and the notices of what is compiled or linked into the libraries: oneMKL's archives, and templates of
+# oneTBB's headers. They come from where the dependency came from.
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tvnmath COMPONENT runtime)
+function(tvnmath_install_notice name variable)
+  if(${variable})
+    install(FILES "${${variable}}" DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tvnmath/notices RENAME ${name}.txt
+      COMPONENT runtime)
+  else()
+    message(WARNING "${name}'s licence was not found; what is installed may not be passed on without it. "
+                    "Name the file by ${variable}.")
+  endif()
+endfunction()
+set(_licensing_folders licensing licensing/en documentation/licensing share/doc/mkl/licensing ../licensing ../../licensing)
+if(DEFINED ENV{MKLROOT})
+  find_file(TVNMATH_ONEMKL_LICENSE NAMES license.txt LICENSE license.md NO_DEFAULT_PATH
+    HINTS "$ENV{MKLROOT}" PATH_SUFFIXES ${_licensing_folders} DOC "oneMKL's licence")
+  find_file(TVNMATH_ONEMKL_THIRD_PARTY NAMES third-party-programs.txt mkl-third-party-programs.txt NO_DEFAULT_PATH
+    HINTS "$ENV{MKLROOT}" PATH_SUFFIXES ${_licensing_folders} DOC "The notices of what is in oneMKL")
+  tvnmath_install_notice(oneMKL-third-party-programs TVNMATH_ONEMKL_THIRD_PARTY)
+else()
+  find_file(TVNMATH_ONEMKL_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libmkl-dev
+    DOC "oneMKL's licence")
+endif()
+tvnmath_install_notice(oneMKL TVNMATH_ONEMKL_LICENSE)
+find_file(TVNMATH_ONETBB_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libtbb-dev DOC "oneTBB's licence")
+tvnmath_install_notice(oneTBB TVNMATH_ONETBB_LICENSE)
+
+include(cmake/Package.cmake)

@@ -45,6 +45,21 @@ libraries() {
     [ "$count" = 2 ] || fail "$count libraries are installed"
 }
 
+# What a machine needs that only runs programs, apart from the rest; both together are the whole.
+components() {
+    local component
+    for component in runtime development; do
+        rm -rf "$WORK_DIR/$component"
+        "$CMAKE" --install "$BUILD_DIR" --component "$component" --prefix "$WORK_DIR/$component" >"$WORK_DIR/$component.log"
+        (cd "$WORK_DIR/$component" && find . -not -type d) >"$WORK_DIR/$component.files"
+    done
+    if grep -vE '/libTVN(Core|Math)\.so\.|/share/doc/' "$WORK_DIR/runtime.files"; then fail 'the runtime component holds more'; fi
+    [ "$(grep -cE '/libTVN(Core|Math)\.so\.[0-9]+$' "$WORK_DIR/runtime.files")" = 2 ] || fail 'the runtime component lacks a library'
+    if grep -E '/libTVN(Core|Math)\.so\.' "$WORK_DIR/development.files"; then fail 'the development component holds libraries'; fi
+    diff <(sort "$WORK_DIR/runtime.files" "$WORK_DIR/development.files") <(cd "$prefix" && find . -not -type d | sort) \
+        || fail 'the components are not the whole (left), or it is more than they are (right)'
+}
+
 # Neither folders of this machine nor what a consumer does not have.
 package_files() {
     local files
