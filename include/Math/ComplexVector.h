@@ -230,8 +230,8 @@ private:
 /// Both parts of every element multiplied by `s`, or divided by it: not multiplied by 1/s. On the
 /// element-wise dispatch. The result takes over the elements of an rvalue vector and is a copy of any other.
 ///
-/// The operators stand in the global namespace, and Tervane::Math names them too, so that code in any
-/// namespace finds them.
+/// The operators stand in the global namespace and nowhere else, so operators of the same sign in a caller's
+/// namespace hide them, and Tervane::Math's own do so in that namespace. There, write `::operator*(z, s)`.
 TVNMATH_API Tervane::Math::ComplexVector operator*(Tervane::Math::ComplexVector&& z, double const& s);
 TVNMATH_API Tervane::Math::ComplexVector operator*(Tervane::Math::ComplexVector const& z, double const& s);
 TVNMATH_API Tervane::Math::ComplexVector operator*(double const& s, Tervane::Math::ComplexVector&& z);
@@ -241,9 +241,6 @@ TVNMATH_API Tervane::Math::ComplexVector operator/(Tervane::Math::ComplexVector 
 /// @}
 
 namespace Tervane::Math {
-
-using ::operator*;
-using ::operator/;
 
 /// @name Complex vector and real vector
 /// @{

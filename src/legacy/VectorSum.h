@@ -9,8 +9,3 @@
 Tervane::Math::Vector operator+(Tervane::Math::Vector const& a, Tervane::Math::Vector const& b);
 Tervane::Math::Vector operator-(Tervane::Math::Vector const& a, Tervane::Math::Vector const& b);
 /// @}
-
-namespace Tervane::Math {
-using ::operator+;
-using ::operator-;
-} // namespace Tervane::Math

@@ -32,6 +32,8 @@ namespace Tervane::Math::LegacyTest {
 
 namespace {
 
+using ::operator*;
+using ::operator/;
 using Detail::LegacyAccess;
 using TestKit::AllocationCounter;
 using TestKit::forEachPolicy;

@@ -22,6 +22,8 @@ namespace Tervane::Math::LegacyTest {
 
 namespace {
 
+using ::operator+;
+using ::operator-;
 using Detail::LegacyAccess;
 using TestKit::AllocationCounter;
 using TestKit::elementsOf;

@@ -16,6 +16,8 @@ namespace Tervane::Math::LegacyTest {
 
 namespace {
 
+using ::operator+;
+using ::operator-;
 using TestKit::elementsOf;
 using TestKit::sameBits;
 
