@@ -35,7 +35,8 @@ namespace Tervane::Math {
 ///
 /// The result has the length and orientation of `x`. An rvalue lends its storage and is left empty; otherwise
 /// the result is new. Computed where the execution policy says, with the same values under all of them, in
-/// O(log n) for each element.
+/// O(log n) for each element. An rvalue that is also the table, or part of it, is computed in order on the
+/// calling thread, since each value changes the table for those after it.
 ///
 /// @param x the queries
 /// @param xp the breakpoints, in ascending order
@@ -56,7 +57,9 @@ TVNMATH_API double interp(double const& x, Vector2 const& xp, Vector2 const& fp)
 /// As above but for one difference: up to the first breakpoint the result is xp[0], the breakpoint itself,
 /// not fp[0] (compatibility C41).
 ///
-/// `fp` is read through its virtual operations, under the parallel policies from several threads at once.
+/// An `fp` of a class that derives from ViewVector is read through its virtual operations, on the calling
+/// thread and for one element after the other. What they throw comes out; an `x` that was given away then
+/// holds the values so far and stays the caller's.
 TVNMATH_API Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp);
 TVNMATH_API Vector interp(Vector const& x, Vector const& xp, ViewVector const& fp);
 TVNMATH_API Vector interp(Vector const& x, Vector const& xp, Vector const& fp);

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <typeinfo>
 #include <utility>
 
 namespace Tervane::Math {
@@ -36,26 +38,28 @@ TVNMATH_MULTIVERSION void lowerBounds(double const* breakpoints, std::size_t m, 
         found[q] = base[q] + (m != 0 && breakpoints[base[q]] < queries[q] ? 1 : 0);
 }
 
-/// The current generation's table.
+/// A table of plain memory.
 struct Table {
     double const* breakpoints;
     std::size_t length;
     double const* values;
     std::size_t valuesLength;
+    /// What holds up to the first breakpoint: the first value, and in the legacy generation the first
+    /// breakpoint itself (compatibility C41).
+    double const* first;
 
     double value(std::size_t k) const { return values[k]; }
-    double upToFirst() const { return values[0]; }
+    double upToFirst() const { return *first; }
     double aboveLast() const { return values[valuesLength - 1]; }
 };
 
-/// The legacy generation's table, whose values may come from a caller's own kind of view.
-struct LegacyTable {
+/// A legacy table whose values come from a caller's own kind of view.
+struct CallersTable {
     double const* breakpoints;
     std::size_t length;
     ViewVector const& values;
 
     double value(std::size_t k) const { return values[k]; }
-    // The breakpoint, where the current generation has the value (compatibility C41).
     double upToFirst() const { return breakpoints[0]; }
     double aboveLast() const { return values[values.length() - 1]; }
 };
@@ -95,23 +99,60 @@ private:
     }
 };
 
-InterpolatedIn<Table> interpolatedIn(Vector2 const& xp, VectorView2 const& fp) {
-    return {{xp.data(), xp.length(), fp.data(), fp.length()}};
+Table tableOf(Vector2 const& xp, VectorView2 const& fp) {
+    return {xp.data(), xp.length(), fp.data(), fp.length(), fp.data()};
 }
 
-InterpolatedIn<LegacyTable> interpolatedIn(Vector const& xp, ViewVector const& fp) {
+Table tableOf(Vector const& xp, ViewVector const& fp) {
     Detail::RealArray const& breakpoints = Detail::LegacyAccess::elements(xp);
-    return {{breakpoints.data(), breakpoints.length(), fp}};
+    return {breakpoints.data(), breakpoints.length(), fp.data(), fp.length(), breakpoints.data()};
 }
 
 VectorView2 viewOf(Vector2 const& v) {
     return VectorView2(v.data(), v.length(), Detail::ContainerAccess::orientation(v));
 }
 
+/// By the numbers, because an empty view may count an element at no address.
+bool overlap(double const* a, std::size_t n, double const* b, std::size_t m) {
+    auto const beginA = reinterpret_cast<std::uintptr_t>(a);
+    auto const beginB = reinterpret_cast<std::uintptr_t>(b);
+    return beginA < beginB + m * sizeof(double) && beginB < beginA + n * sizeof(double);
+}
+
+/// Interpolates at every element of `x` in its own storage. Where the table lies in that storage, what a
+/// point gives depends on the points before it; then all go in order, on this thread.
+template<class Points>
+Points interpolated(Points&& x, Table const& table) {
+    using Access = Detail::AccessTo<Points>;
+    double* const points = Access::elements(x);
+    std::size_t const n = Access::length(x);
+    InterpolatedIn<Table> const op{table};
+    if (!overlap(points, n, table.breakpoints, table.length)
+        && !overlap(points, n, table.values, table.valuesLength))
+        return transformed(std::move(x), op);
+    Detail::Kernels::inOrder(points, points, n, op);
+    return std::move(x);
+}
+
+/// Whether a view is one of ours, whose elements are where data() says. A caller's own kind may do what it
+/// likes in its element access, throw among others, so it is asked in order and on the caller's thread.
+bool isPlain(ViewVector const& view) {
+    return typeid(view) == typeid(ViewVector);
+}
+
+/// Interpolates between the values of a caller's own kind of view.
+void interpolate(Vector const& x, Vector const& xp, ViewVector const& fp, Vector& result) {
+    Detail::RealArray const& points = Detail::LegacyAccess::elements(x);
+    Detail::RealArray const& breakpoints = Detail::LegacyAccess::elements(xp);
+    InterpolatedIn<CallersTable> const op{{breakpoints.data(), breakpoints.length(), fp}};
+    Detail::Kernels::inOrder(points.data(), Detail::LegacyAccess::elements(result).data(), points.length(),
+                             op);
+}
+
 } // namespace
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp) {
-    return transformed(std::move(x), interpolatedIn(xp, fp));
+    return interpolated(std::move(x), tableOf(xp, fp));
 }
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
@@ -119,7 +160,7 @@ Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
 }
 
 Vector2 interp(Vector2 const& x, Vector2 const& xp, VectorView2 const& fp) {
-    return transformed(x, interpolatedIn(xp, fp));
+    return transformed(x, InterpolatedIn<Table>{tableOf(xp, fp)});
 }
 
 Vector2 interp(Vector2 const& x, Vector2 const& xp, Vector2 const& fp) {
@@ -127,15 +168,22 @@ Vector2 interp(Vector2 const& x, Vector2 const& xp, Vector2 const& fp) {
 }
 
 double interp(double const& x, Vector2 const& xp, Vector2 const& fp) {
-    return interpolatedIn(xp, viewOf(fp))(x);
+    return InterpolatedIn<Table>{tableOf(xp, viewOf(fp))}(x);
 }
 
 Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp) {
-    return transformed(std::move(x), interpolatedIn(xp, fp));
+    if (isPlain(fp))
+        return interpolated(std::move(x), tableOf(xp, fp));
+    interpolate(x, xp, fp, x);
+    return std::move(x);
 }
 
 Vector interp(Vector const& x, Vector const& xp, ViewVector const& fp) {
-    return transformed(x, interpolatedIn(xp, fp));
+    if (isPlain(fp))
+        return transformed(x, InterpolatedIn<Table>{tableOf(xp, fp)});
+    Vector result = Detail::AccessTo<Vector>::shapedAs(x);
+    interpolate(x, xp, fp, result);
+    return result;
 }
 
 Vector interp(Vector const& x, Vector const& xp, Vector const& fp) {

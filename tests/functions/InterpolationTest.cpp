@@ -11,9 +11,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -237,6 +241,84 @@ TEST(InterpolationVector, AnEmptyViewAboveTheTableGivesWhatItsAddressHolds) {
     ViewVector const fp(&value, 0, Column);
     Vector const result = interp(Vector{1.0, 2.0}, Vector(), fp);
     EXPECT_TRUE(sameBits(elementsOf(result), std::vector{4.0, 4.0}));
+}
+
+// What point i gives while the table is the vector that is written: points before it count as they are by
+// then.
+template<class Generation>
+std::vector<double> interpolatedInItself(std::vector<double> x, std::vector<double> const* fp) {
+    for (double& value : x) {
+        std::vector<double> const& values = fp != nullptr ? *fp : x;
+        // By halves, because what is written need not ascend any more.
+        auto const k = static_cast<std::size_t>(std::lower_bound(x.begin(), x.end(), value) - x.begin());
+        if (k == x.size())
+            value = values.back();
+        else if (k == 0)
+            value = isLegacy<Generation> ? x[0] : values[0];
+        else
+            value = std::lerp(values[k - 1], values[k], (value - x[k - 1]) / (x[k] - x[k - 1]));
+    }
+    return x;
+}
+
+TYPED_TEST(Interpolation, InATableThatIsWrittenGoesInOrderUnderEveryPolicy) {
+    using OfItsOwn = typename TestFixture::View;
+    for (std::size_t const n : {1, 7, 100, 5'000}) {
+        SCOPED_TRACE(n);
+        std::vector<double> const x = ascending(n, 3);
+        std::vector<double> const values = ordinaryValues(n, 4);
+        auto const fp = TypeParam::column(values);
+        std::vector<double> const inOwnBreakpoints = interpolatedInItself<TypeParam>(x, &values);
+        std::vector<double> const inItself = interpolatedInItself<TypeParam>(x, nullptr);
+        forEachPolicy([&] {
+            auto points = TypeParam::column(x);
+            EXPECT_TRUE(
+                sameBits(elementsOf(interp(std::move(points), points, OfItsOwn(fp.data(), n, Column))),
+                         inOwnBreakpoints));
+            auto both = TypeParam::column(x);
+            EXPECT_TRUE(sameBits(elementsOf(interp(std::move(both), both, OfItsOwn(both.data(), n, Column))),
+                                 inItself));
+        });
+    }
+}
+
+TEST(InterpolationVector, WhatACallersViewThrowsComesOutUnderEveryPolicy) {
+    /// Throws when an element is asked for that it does not have, and notes which thread asks.
+    class Checked : public ViewVector {
+    public:
+        using ViewVector::operator[];
+        using ViewVector::ViewVector;
+        double const& operator[](std::size_t i) const override {
+            if (std::this_thread::get_id() != _owner)
+                ++_calls;
+            if (i == 2)
+                throw std::out_of_range("element 2");
+            return ViewVector::operator[](i);
+        }
+        int callsFromElsewhere() const { return _calls; }
+
+    private:
+        std::thread::id _owner = std::this_thread::get_id();
+        mutable std::atomic<int> _calls = 0;
+    };
+
+    constexpr std::size_t n = 20'000;
+    double const values[] = {10.0, 20.0, 30.0};
+    Checked const fp(values, 3, Column);
+    Vector const xp{1.0, 2.0, 3.0};
+    Vector x(n, 1.5);
+    x[n - 1] = 2.5;
+    forEachPolicy([&] {
+        EXPECT_THROW(interp(x, xp, fp), std::out_of_range);
+        EXPECT_EQ(x[0], 1.5);
+        Vector points(x);
+        EXPECT_THROW(interp(std::move(points), xp, fp), std::out_of_range);
+        // In order up to there, and the vector stays the caller's.
+        EXPECT_EQ(points.length(), n);
+        EXPECT_EQ(points[n - 2], 15.0);
+        EXPECT_EQ(points[n - 1], 2.5);
+    });
+    EXPECT_EQ(fp.callsFromElsewhere(), 0);
 }
 
 } // namespace Tervane::Math
