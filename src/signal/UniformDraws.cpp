@@ -18,18 +18,14 @@ inline std::uint32_t twisted(std::uint32_t current, std::uint32_t next, std::uin
 }
 
 // Each word is made of itself, the one after it and one 397 ahead, which in the second part is 227 back and
-// new already. So that compilers see that they may take many words at once, the parts are cut where a loop
-// would read what it writes.
+// new already. A vector of words is read before it is written, and 227 words are wider than any: compilers
+// find that out and take many words at once, without being told that the iterations are independent, which
+// they are not.
 TVNMATH_MULTIVERSION void twist(std::uint32_t* state) noexcept {
     constexpr std::size_t back = length - shift;
-    TVNMATH_INDEPENDENT_ITERATIONS
     for (std::size_t i = 0; i < back; ++i)
         state[i] = twisted(state[i], state[i + 1], state[i + shift]);
-    TVNMATH_INDEPENDENT_ITERATIONS
-    for (std::size_t i = back; i < 2 * back; ++i)
-        state[i] = twisted(state[i], state[i + 1], state[i - back]);
-    TVNMATH_INDEPENDENT_ITERATIONS
-    for (std::size_t i = 2 * back; i < length - 1; ++i)
+    for (std::size_t i = back; i < length - 1; ++i)
         state[i] = twisted(state[i], state[i + 1], state[i - back]);
     state[length - 1] = twisted(state[length - 1], state[0], state[shift - 1]);
 }
