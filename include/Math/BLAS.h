@@ -40,10 +40,12 @@ namespace BLAS {
 /// caller's C and gives its address; the others make C, with beta = 0 and, where it is not given, alpha = 1.
 /// With beta = 0 what C held does not matter, NaNs included.
 ///
-/// A Transpose that is not listed counts as none (compatibility C44).
+/// A Transpose that is not listed counts as a transposition for the shapes, and as none for the routine
+/// (compatibility C44).
 ///
-/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together or C is
-///         not M x N: mend the shapes. C is then as it was.
+/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together, when C is
+///         not M x N, and when with an unlisted Transpose the routine would read columns that are not there:
+///         mend the shapes. C is then as it was.
 ///
 /// Complexity: O(M N K).
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose transB,
@@ -65,7 +67,8 @@ TVNMATH_API System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA,
 /// A longer x is read in part and a longer y is written in part: the vectors must only not be too short
 /// (compatibility C47).
 ///
-/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short; y is then as it was
+/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short, by the shapes or for
+///         what the routine does with an unlisted Transpose; y is then as it was
 ///
 /// Complexity: O(rows columns).
 TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha,
@@ -99,9 +102,14 @@ TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vect
 
 /// As the current forms, on any matrix of the legacy family. A failure is
 /// `LinearAlgebraErrorCode::DimensionsMismatch` in `error`, which is left as it is on success; the result is
-/// returned all the same, as it stood (compatibility C45, C46). An exception, of a failed allocation for
-/// example, makes the error unknown, here and in the other legacy forms; a result that was to be made is then
-/// empty.
+/// returned all the same, as it stood (compatibility C45, C46). A matrix that lacks elements of its shape, as
+/// a copy of one does that resize() shrank, does not fit either, and a table's data() is asked for only when
+/// the shapes fit.
+///
+/// In this and the other legacy forms a LinearAlgebraErrorCode that a caller's own table throws is reported
+/// as itself, and any other exception, of a failed allocation for example, makes the error unknown; a result
+/// that was to be made is then empty. When there is no memory for the empty one either, `std::bad_alloc`
+/// leaves, and the error is set before.
 TVNMATH_API Matrix& gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,
                          AbstractMatrix const& B, double const& beta, Matrix& C, System::ErrorCode& error);
 TVNMATH_API Matrix gemm(Transpose transA, Transpose transB, double const& alpha, AbstractMatrix const& A,

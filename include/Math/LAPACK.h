@@ -21,7 +21,8 @@
 ///
 /// What a driver refuses comes back as `InvalidParameter`, what it could not compute as another code; in both
 /// cases the arguments hold what the driver left in them. When a check before the driver fails they are
-/// untouched.
+/// untouched. An empty row, whose shape fits one equation, and a legacy matrix that lacks elements of its
+/// shape, as a copy of one does that resize() shrank, are a mismatch of dimensions.
 ///
 /// E. Anderson et al., LAPACK Users' Guide, 3rd ed., SIAM 1999, describes the drivers of the same names.
 

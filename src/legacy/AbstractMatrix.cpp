@@ -1,3 +1,4 @@
+#include "legacy/Access.h"
 #include "legacy/Boundary.h"
 #include "linalg/Products.h"
 
@@ -20,7 +21,8 @@ bool AbstractMatrix::isSquare() const {
 Matrix AbstractMatrix::elementwiseMultiply(AbstractMatrix const& b, System::ErrorCode& error) const {
     return Detail::reportedResult<Matrix>(error, [&](std::optional<Matrix>& result) -> Detail::Failure {
         Dimensions const shape = size();
-        if (shape != b.size())
+        if (shape != b.size() || !Detail::LegacyAccess::hasStorageForItsShape(*this)
+            || !Detail::LegacyAccess::hasStorageForItsShape(b))
             return DimensionsMismatch;
         Matrix& product = result.emplace(shape, 0.0);
         std::size_t const rowCount = rows();

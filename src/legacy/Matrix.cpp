@@ -68,6 +68,8 @@ Matrix::Matrix(Matrix const& other)
 Matrix::Matrix(Matrix&& other) noexcept = default;
 
 Matrix& Matrix::operator=(Matrix const& other) {
+    if (this == &other)
+        return *this; // moved-from or not
     if (!LegacyAccess::hasData(*this))
         return *this = Matrix(other);
     MatrixData const& source = LegacyAccess::data(other);

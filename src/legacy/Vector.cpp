@@ -93,6 +93,8 @@ Vector::Vector(Vector const& other)
 Vector::Vector(Vector&& other) noexcept = default;
 
 Vector& Vector::operator=(Vector const& other) {
+    if (this == &other)
+        return *this; // moved-from or not
     if (!LegacyAccess::hasData(*this))
         return *this = Vector(other);
     VectorData const& source = LegacyAccess::data(other);

@@ -6,6 +6,7 @@
 #include <Math/ViewVector.h>
 
 #include <cstdint>
+#include <typeinfo>
 #include <utility>
 
 namespace Tervane::Math {
@@ -17,9 +18,11 @@ using Detail::ViewVectorData;
 
 using DataPointer = System::UniquePointer<System::ObjectData>;
 
-// A matrix without rows may have no storage to take an address in.
+// Through the virtual access, which a caller's own kind of matrix may have overridden. One of ours without
+// rows may have no storage in which a reference to an element could lie.
 double const* columnAddress(Matrix const& m, std::size_t column) {
-    return m.rows() == 0 ? m.data() : &m[Index(0, column)];
+    bool const mayHaveNoStorage = typeid(m) == typeid(Matrix) && m.rows() == 0;
+    return mayHaveNoStorage ? m.data() : &m[Index(0, column)];
 }
 
 } // namespace
@@ -40,6 +43,8 @@ ViewVector::ViewVector(ViewVector const& other)
 ViewVector::ViewVector(ViewVector&& other) noexcept = default;
 
 ViewVector& ViewVector::operator=(ViewVector const& other) {
+    if (this == &other)
+        return *this; // moved-from or not
     if (!LegacyAccess::hasData(*this))
         return *this = ViewVector(other);
     LegacyAccess::data(*this) = LegacyAccess::data(other);

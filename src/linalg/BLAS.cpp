@@ -1,4 +1,5 @@
 #include "foundation/Failure.h"
+#include "legacy/Access.h"
 #include "legacy/Boundary.h"
 #include "linalg/MatrixRef.h"
 #include "linalg/OneMKL.h"
@@ -52,12 +53,41 @@ Product productOf(Transpose transA, Transpose transB, AnyMatrix const& A, AnyMat
     return {transA, transB, sizeOf(A), sizeOf(B)};
 }
 
+/// Whether the routine would read behind the end of an operand. The shapes take a Transpose that is not
+/// listed for a transposition, the routine takes it for none: of an operand with more rows than columns it
+/// then reads columns that are not there, and the product when an operand has fewer it refuses.
+bool readsBeyond(Product const& product, double alpha) {
+    auto const hasMoreColumns = [](Transpose trans, Dimensions const& m) {
+        return OneMKL::isUnlisted(trans) && m.rows() < m.columns();
+    };
+    auto const hasMoreRows = [](Transpose trans, Dimensions const& m) {
+        return OneMKL::isUnlisted(trans) && m.rows() > m.columns();
+    };
+    bool const isRefused =
+        hasMoreColumns(product.transA, product.a) || hasMoreColumns(product.transB, product.b);
+    bool const isRead = product.m() != 0 && product.n() != 0 && alpha != 0.0;
+    return isRead && !isRefused
+           && (hasMoreRows(product.transA, product.a) || hasMoreRows(product.transB, product.b));
+}
+
+/// @name Whether a matrix has every element that its shape says
+/// @{
+bool isWhole(Matrix2 const& /*always*/) {
+    return true;
+}
+bool isWhole(AbstractMatrix const& M) {
+    return Detail::LegacyAccess::hasStorageForItsShape(M);
+}
+/// @}
+
 /// C := alpha op(A) op(B) + beta C. The operands are asked for their elements when the shapes fit, not
 /// before: a caller's own table need not have any.
 template<class Operand, class Result>
 Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand const& B, double beta,
                  Result& C) {
-    Failure failure = failureUnless(product.fits(C.size()), DimensionsMismatch);
+    Failure failure = failureUnless(product.fits(C.size()) && !readsBeyond(product, alpha) && isWhole(A)
+                                        && isWhole(B) && isWhole(C),
+                                    DimensionsMismatch);
     if (!failure)
         OneMKL::gemm(product.transA, product.transB, product.m(), product.n(), product.k(), alpha, A.data(),
                      product.a.rows(), B.data(), product.b.rows(), beta, C.data(), product.m());
@@ -68,12 +98,31 @@ Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand
     return failure;
 }
 
+/// @name The elements that a vector has
+/// An empty view has length 1.
+/// @{
+std::size_t elementCount(Vector2 const& v) {
+    return v.length();
+}
+std::size_t elementCount(AbstractVector const& v) {
+    return v.rows() == 0 || v.columns() == 0 || v.data() == nullptr ? 0 : v.length();
+}
+/// @}
+
 /// y := alpha op(A) x + beta y, for vectors that are long enough. Asks for elements as the product above
 /// does.
 template<class MatrixOperand, class VectorOperand, class Result>
 Failure gemvInto(Transpose trans, Dimensions const& a, double alpha, MatrixOperand const& A,
                  VectorOperand const& x, double beta, Result& y) {
     if (x.length() < op(trans, a).columns() || y.length() < op(trans, a).rows())
+        return DimensionsMismatch;
+    // A Transpose that is not listed counts as a transposition above, and to the routine as none.
+    Dimensions const taken = OneMKL::isUnlisted(trans) ? a : op(trans, a);
+    bool const hasElements = a.rows() != 0 && a.columns() != 0;
+    bool const readsX = hasElements && alpha != 0.0;
+    bool const writesY = hasElements && !(alpha == 0.0 && beta == 1.0);
+    if (!isWhole(A) || (readsX && elementCount(x) < taken.columns())
+        || (writesY && y.length() < taken.rows()))
         return DimensionsMismatch;
     OneMKL::gemv(trans, a.rows(), a.columns(), alpha, A.data(), a.rows(), x.data(), beta, y.data());
     return {};

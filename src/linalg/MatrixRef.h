@@ -1,5 +1,7 @@
 #pragma once
 
+#include "legacy/Access.h"
+
 #include <Math/Matrix.h>
 #include <Math/Matrix2.h>
 #include <Math/Vector.h>
@@ -15,6 +17,7 @@ struct MatrixRef {
     double* data;
     std::size_t rows;
     std::size_t columns;
+    bool isWhole; ///< there is storage for rows x columns elements
 };
 
 /// A vector of either generation in memory, with the shape that its orientation gives it.
@@ -26,10 +29,10 @@ struct VectorRef {
 };
 
 inline MatrixRef refOf(Matrix2& m) {
-    return {m.data(), m.rows(), m.columns()};
+    return {m.data(), m.rows(), m.columns(), true};
 }
 inline MatrixRef refOf(Matrix& m) {
-    return {m.data(), m.rows(), m.columns()};
+    return {m.data(), m.rows(), m.columns(), LegacyAccess::hasStorageForItsShape(m)};
 }
 
 inline VectorRef refOf(Vector2& v) {

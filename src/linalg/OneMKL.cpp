@@ -29,7 +29,6 @@ private:
 /// Elements of a vector are adjacent, and drivers have one right-hand side.
 MKL_INT const one = 1;
 
-// A value that is no enumerator means no transposition (compatibility C44).
 char const* flagOf(Transpose trans) {
     switch (trans) {
     case Transposed:

@@ -19,6 +19,11 @@ using Integer = long long;
 /// The workspace size with which a driver is asked how much workspace it wants.
 inline constexpr Integer workspaceQuery = -1;
 
+/// Whether a value is no enumerator. The routines are told no transposition then (compatibility C44).
+inline bool isUnlisted(Transpose trans) {
+    return trans != NoTranspose && trans != Transposed && trans != ConjugateTransposed;
+}
+
 /// What a LAPACK driver reports as `info`. The two kinds of failure stay apart: an argument that it refused,
 /// a mistake of its caller's, and an outcome of the numbers.
 struct Outcome {

@@ -151,6 +151,16 @@ TEST(Matrix, MovedFromMayBeAssignedEitherWay) {
     EXPECT_EQ(arrayOf(m), (Values{5}));
 }
 
+TEST(Matrix, AssignedToItselfStaysAsItIs) {
+    Matrix m(1, 1, 5.0);
+    Matrix const& same = m;
+    m = same;
+    EXPECT_EQ(arrayOf(m), (Values{5}));
+    Matrix const taken(std::move(m));
+    m = same;
+    EXPECT_FALSE(LegacyAccess::hasData(m));
+}
+
 TEST(Matrix, TransposedSwapsRowsAndColumns) {
     Matrix const m = matrixOf(2, 3, {1, 4, 2, 5, 3, 6});
     Matrix const t = m.transposed();

@@ -297,6 +297,20 @@ TEST(Vector, MovedFromMayBeAssignedEitherWay) {
     EXPECT_EQ(takenAgain.length(), 2U);
 }
 
+TEST(Vector, AssignedToItselfStaysAsItIs) {
+    Vector v{1.0, 2.0};
+    Vector const& same = v;
+    v = same;
+    EXPECT_EQ(valuesOf(v), (Values{1.0, 2.0}));
+    Vector const taken(std::move(v));
+    v = same;
+    EXPECT_FALSE(LegacyAccess::hasData(v));
+    v = std::move(const_cast<Vector&>(same));
+    EXPECT_FALSE(LegacyAccess::hasData(v));
+    v = taken;
+    EXPECT_EQ(valuesOf(v), (Values{1.0, 2.0}));
+}
+
 // --- access
 
 TEST(Vector, ElementsAreReadAndWrittenByNumber) {

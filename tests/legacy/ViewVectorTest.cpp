@@ -88,6 +88,25 @@ TEST(ViewVector, OfAMatrixWithoutRowsIsEmpty) {
     expectSees(ViewVector(Matrix(0, 3, 1.0), 2), nullptr, 0, Column);
 }
 
+TEST(ViewVector, OfACallersMatrixWithoutRowsGoesThroughItsElementAccess) {
+    /// A matrix without storage of its own that says where its columns would begin.
+    struct Elsewhere : Matrix {
+        using Matrix::operator[];
+        double const& operator[](Index const& i) const override { return samples[i.column()]; }
+    };
+    expectSees(ViewVector(Elsewhere(), 2), samples + 2, 0, Column);
+}
+
+TEST(ViewVector, AssignedToItselfStaysAsItIs) {
+    ViewVector view(samples, 3, Row);
+    ViewVector const& same = view;
+    view = same;
+    expectSees(view, samples, 3, Row);
+    ViewVector const taken(std::move(view));
+    view = same;
+    EXPECT_FALSE(LegacyAccess::hasData(view));
+}
+
 TEST(ViewVector, DefaultIsAnEmptyColumnAtNull) {
     expectSees(ViewVector(), nullptr, 0, Column);
     EXPECT_EQ(ViewVector().rows(), 0U);

@@ -13,9 +13,11 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace Tervane::Math::LinearAlgebraTest {
@@ -28,6 +30,10 @@ using TestKit::sameBits;
 using TestKit::StreamCapture;
 using TestKit::unitRoundoff;
 using TestKit::within;
+
+template<class Generation>
+class BLASMemory : public testing::Test {};
+TYPED_TEST_SUITE(BLASMemory, Generations, GenerationNames);
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
@@ -546,6 +552,160 @@ TEST(LegacyBLAS, FailedAllocationMakesTheErrorUnknown) {
     EXPECT_EQ(product.size(), Dimensions(0, 0));
     EXPECT_EQ(image.length(), 0u);
     EXPECT_TRUE(sameBits(valuesOf(right), valuesOf(x)));
+}
+
+TEST(LegacyBLAS, WithoutMemoryForAnEmptyResultTheErrorIsSetBeforeTheExceptionLeaves) {
+    if (!TestKit::FailingAllocations::areSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    Matrix const a(2, 2, 1.0);
+    AbstractMatrix const& table = a;
+    Vector const x(2, 1.0);
+    auto const errorOf = [](auto const& operation) {
+        ErrorCode error;
+        bool threw = false;
+        TestKit::FailingAllocations const failing(0);
+        try {
+            operation(error);
+        } catch (std::bad_alloc const&) {
+            threw = true;
+        }
+        return std::pair(threw, error.isUnknown());
+    };
+    std::pair const expected(true, true);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { BLAS::gemm(NoTranspose, NoTranspose, 2.0, a, a, e); }), expected);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { BLAS::gemm(NoTranspose, NoTranspose, a, a, e); }), expected);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { BLAS::gemv(NoTranspose, 2.0, a, x, e); }), expected);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { BLAS::gemv(NoTranspose, a, x, e); }), expected);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { table.multiply(a, e); }), expected);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { table.multiply(x, e); }), expected);
+    EXPECT_EQ(errorOf([&](ErrorCode& e) { table.elementwiseMultiply(a, e); }), expected);
+}
+
+TEST(LegacyBLAS, AsksForElementsOnlyWhenTheShapesFit) {
+    struct WithoutElements : LegacyTest::OwnMatrix {
+        using OwnMatrix::OwnMatrix;
+        double const* data() const override { throw std::runtime_error("no elements"); }
+    };
+    struct VectorWithoutElements : LegacyTest::OwnVector {
+        using LegacyTest::OwnVector::RowMajor;
+        double const* data() const override { throw std::runtime_error("no elements"); }
+    };
+    WithoutElements const a(2, 3, std::vector<double>(6, 1.0));
+    VectorWithoutElements const x(2, 1, {1.0, 1.0});
+    Matrix const b(2, 2, 1.0);
+    Matrix c(2, 2, 5.0);
+    Vector y(2, 5.0);
+    ErrorCode errors[6];
+    BLAS::gemm(NoTranspose, NoTranspose, 1.0, a, b, 0.0, c, errors[0]);
+    EXPECT_EQ(BLAS::gemm(NoTranspose, NoTranspose, b, a, errors[1]).columns(), 0u); // these fit
+    EXPECT_EQ(BLAS::gemm(NoTranspose, NoTranspose, a, b, errors[2]).columns(), 2u);
+    BLAS::gemv(NoTranspose, 1.0, a, x, 0.0, y, errors[3]);
+    EXPECT_EQ(BLAS::gemv(NoTranspose, a, x, errors[4]).length(), 2u);
+    EXPECT_EQ(static_cast<AbstractMatrix const&>(a).multiply(b, errors[5]).columns(), 2u);
+    for (std::size_t const i : {0, 2, 3, 4, 5})
+        EXPECT_EQ(reportOf(errors[i]), failure(DimensionsMismatch)) << i;
+    EXPECT_TRUE(errors[1].isUnknown());
+}
+
+TEST(LegacyBLAS, CodeThatTheCallersTableThrowsIsReportedAsItself) {
+    struct Singular : LegacyTest::OwnMatrix {
+        using OwnMatrix::OwnMatrix;
+        std::size_t rows() const override { throw LinearAlgebraErrorCode::MatrixSingular; }
+    };
+    Singular const a(1, 1, {1.0});
+    ErrorCode error;
+    EXPECT_EQ(BLAS::gemm(NoTranspose, NoTranspose, a, a, error).size(), Dimensions(0, 0));
+    EXPECT_EQ(reportOf(error), failure(MatrixSingular));
+}
+
+TEST(LegacyBLAS, CopyOfAShrunkenMatrixLacksElementsOfItsShape) {
+    Matrix shrunken(3, 3, 2.0);
+    shrunken.resize(1, 1, 0.0); // the shape and the storage stay
+    Matrix const whole(3, 3, 1.0);
+    Matrix lacking(shrunken);
+    ASSERT_EQ(lacking.size(), Dimensions(3, 3));
+    Vector const x(3, 1.0);
+    Matrix c(3, 3, 5.0);
+    ErrorCode errors[5];
+    BLAS::gemm(NoTranspose, NoTranspose, lacking, whole, errors[0]);
+    BLAS::gemm(NoTranspose, NoTranspose, whole, lacking, errors[1]);
+    BLAS::gemm(NoTranspose, NoTranspose, 1.0, whole, whole, 0.0, lacking, errors[2]);
+    BLAS::gemv(NoTranspose, lacking, x, errors[3]);
+    lacking.elementwiseMultiply(whole, errors[4]);
+    for (ErrorCode const& error : errors)
+        EXPECT_EQ(reportOf(error), failure(DimensionsMismatch));
+
+    ErrorCode none;
+    Vector const image = BLAS::gemv(NoTranspose, shrunken, x, none);
+    EXPECT_FALSE(none.hasError());
+    EXPECT_TRUE(sameBits(valuesOf(image), std::vector<double>(3, 6.0)));
+}
+
+TEST(LegacyBLAS, ProductWithAViewOfNothingIsAMismatch) {
+    double const outside = 7.0;
+    Matrix const a(2, 1, 1.0);
+    for (ViewVector const& nothing :
+         {ViewVector(), ViewVector(&outside, 0, Column), ViewVector(&outside, 0, Row),
+          ViewVector(nullptr, 0, static_cast<VectorOrientation>(5))}) {
+        ASSERT_EQ(nothing.length(), 1u);
+        Vector y(2, 5.0);
+        ErrorCode error;
+        BLAS::gemv(NoTranspose, 1.0, a, nothing, 0.0, y, error);
+        EXPECT_EQ(reportOf(error), failure(DimensionsMismatch));
+        EXPECT_TRUE(sameBits(valuesOf(y), std::vector<double>(2, 5.0)));
+        // What is not read need not be there.
+        ErrorCode ofOthers;
+        EXPECT_TRUE(sameBits(valuesOf(BLAS::gemv(NoTranspose, 0.0, a, nothing, ofOthers)),
+                             std::vector<double>(2, 0.0)));
+        BLAS::gemv(NoTranspose, Matrix(2, 0, 1.0), nothing, ofOthers);
+        EXPECT_FALSE(ofOthers.hasError());
+    }
+}
+
+TYPED_TEST(BLASMemory, GemmWithAnUnlistedTransposeReadsNoColumnThatIsNotThere) {
+    constexpr auto unlisted = static_cast<Transpose>(7);
+    auto const tall = matrixOf<TypeParam>(3, 2, std::vector<double>(6, 1.0));
+    auto const wide = matrixOf<TypeParam>(2, 3, std::vector<double>(6, 1.0));
+    auto const ones = matrixOf<TypeParam>(3, 3, std::vector<double>(9, 1.0));
+    auto const gemm = [](Transpose transA, Transpose transB, double alpha, auto const& a, auto const& b,
+                         std::size_t m, std::size_t n) {
+        auto c = matrixOf<TypeParam>(m, n, std::vector<double>(m * n, 5.0));
+        Report const report = TypeParam::gemm(transA, transB, alpha, a, b, 2.0, c);
+        return std::pair(report, elementsOf(c));
+    };
+    auto const all = [](Report report, std::size_t count, double value) {
+        return std::pair(report, std::vector<double>(count, value));
+    };
+    Report const mismatch = failure(DimensionsMismatch);
+    EXPECT_EQ(gemm(unlisted, NoTranspose, 1.0, tall, ones, 2, 3), all(mismatch, 6, 5.0));
+    EXPECT_EQ(gemm(NoTranspose, unlisted, 1.0, wide, wide, 2, 2),
+              all(success, 4, 5.0)); // refused by the routine
+    EXPECT_EQ(gemm(NoTranspose, unlisted, 1.0, tall, tall, 3, 3), all(mismatch, 9, 5.0));
+    // With alpha 0 nothing is read.
+    EXPECT_EQ(gemm(unlisted, NoTranspose, 0.0, tall, ones, 2, 3), all(success, 6, 10.0));
+    EXPECT_EQ(gemm(unlisted, unlisted, 1.0, ones, ones, 3, 3), all(success, 9, 13.0));
+}
+
+TYPED_TEST(BLASMemory, GemvWithAnUnlistedTransposeStaysWithinItsVectors) {
+    constexpr auto unlisted = static_cast<Transpose>(7);
+    auto const tall = matrixOf<TypeParam>(3, 2, std::vector<double>(6, 1.0));
+    auto const wide = matrixOf<TypeParam>(2, 3, std::vector<double>(6, 1.0));
+    auto const gemv = [](auto const& a, std::size_t lengthOfX, std::size_t lengthOfY) {
+        auto y = TypeParam::column(std::vector<double>(lengthOfY, 5.0));
+        Report const report =
+            TypeParam::gemv(unlisted, 1.0, a, TypeParam::column(std::vector<double>(lengthOfX, 1.0)), 0.0, y);
+        return std::pair(report, valuesOf(y));
+    };
+    using Values = std::vector<double>;
+    Report const mismatch = failure(DimensionsMismatch);
+    // The shapes ask for 3 and 2, the routine reads 2 and writes 3.
+    EXPECT_EQ(gemv(tall, 3, 2), std::pair(mismatch, Values(2, 5.0)));
+    EXPECT_EQ(gemv(tall, 3, 3), std::pair(success, Values(3, 2.0)));
+    EXPECT_EQ(gemv(wide, 2, 3), std::pair(mismatch, Values(3, 5.0)));
+    EXPECT_EQ(gemv(wide, 3, 3), std::pair(success, Values{3.0, 3.0, 5.0}));
+    // The form that makes its result makes it as long as the shapes ask.
+    EXPECT_EQ(TypeParam::gemv(unlisted, tall, TypeParam::column({1.0, 1.0, 1.0})).second, mismatch);
+    EXPECT_EQ(TypeParam::gemv(unlisted, wide, TypeParam::column({1.0, 1.0, 1.0})).second, success);
 }
 
 TEST(LegacyBLAS, ExceptionOfTheCallersTableMakesTheErrorUnknown) {

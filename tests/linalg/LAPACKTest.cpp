@@ -125,6 +125,33 @@ TEST(LegacyGesv, TellsAMatrixThatIsNotSquareFromARightHandSideThatDoesNotFit) {
     EXPECT_EQ(reportOfWrongShape<Legacy>(2, 2, Legacy::row({1.0, 2.0})), failure(DimensionsMismatch));
 }
 
+// An empty row has one row by its shape, so its shape fits one equation.
+TEST(CurrentGesv, AnEmptyRowDoesNotFitOneEquation) {
+    EXPECT_EQ(reportOfWrongShape<Current>(1, 1, Current::row({})), (Report{Report::Kind::System, -1}));
+}
+
+TEST(LegacyGesv, AnEmptyRowDoesNotFitOneEquation) {
+    EXPECT_EQ(reportOfWrongShape<Legacy>(1, 1, Legacy::row({})), failure(DimensionsMismatch));
+}
+
+TEST(LegacyLAPACK, CopyOfAShrunkenMatrixLacksElementsOfItsShape) {
+    Matrix shrunken(2, 2, 2.0);
+    shrunken.resize(0, 0, 0.0); // the shape stays
+    Matrix lacking(shrunken);
+    Matrix whole(2, 2, 1.0);
+    Vector b(2, 1.0);
+    Vector d(2, 1.0);
+    System::ErrorCode errors[5];
+    LAPACK::gesv(lacking, b, errors[0]);
+    LAPACK::gels(NoTranspose, lacking, b, errors[1]);
+    LAPACK::gelsd(lacking, b, errors[2], 0.0);
+    LAPACK::gglse(lacking, whole, b, d, errors[3]);
+    LAPACK::gglse(whole, lacking, b, d, errors[4]);
+    for (System::ErrorCode const& error : errors)
+        EXPECT_EQ(reportOf(error), failure(DimensionsMismatch));
+    EXPECT_TRUE(sameBits(valuesOf(b), std::vector<double>(2, 1.0)));
+}
+
 /// The two least-squares drivers behind one call.
 enum class Driver { Factorisation, SingularValues };
 
@@ -194,6 +221,22 @@ TYPED_TEST(LeastSquares, LongerRightHandSideKeepsWhatLiesBehind) {
         EXPECT_EQ(b[4], 5.5);
         EXPECT_TRUE(std::isnan(b[5]));
     }
+}
+
+TYPED_TEST(LeastSquares, AnEmptyRowDoesNotFitOneEquation) {
+    for (Driver const driver : drivers) {
+        auto a = matrixOf<TypeParam>(1, 1, {2.0});
+        auto b = TypeParam::row({});
+        EXPECT_EQ(leastSquares<TypeParam>(driver, a, b), failure(DimensionsMismatch));
+        EXPECT_EQ(elementsOf(a)[0], 2.0);
+        auto larger = matrixOf<TypeParam>(2, 1, {2.0, 2.0});
+        EXPECT_EQ(leastSquares<TypeParam>(driver, larger, b), failure(InvalidParameter));
+    }
+    // gels clears the solution where there are no unknowns, gelsd leaves it.
+    auto none = matrixOf<TypeParam>(1, 0, {});
+    auto b = TypeParam::row({});
+    EXPECT_EQ(leastSquares<TypeParam>(Driver::Factorisation, none, b), failure(DimensionsMismatch));
+    EXPECT_EQ(leastSquares<TypeParam>(Driver::SingularValues, none, b), success);
 }
 
 TYPED_TEST(LeastSquares, RefusesARowAndAVectorTooShortAndLeavesBothAlone) {
