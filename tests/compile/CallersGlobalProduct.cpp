@@ -1,5 +1,5 @@
-// A caller may declare a global operator of its own between two of the library's headers, in the place of one that
-// Tervane::Math has. Named by a qualified name it is the caller's; without, it is ambiguous.
+// A caller may declare a global operator of its own between two of the library's headers, in the place of one
+// that Tervane::Math has. Named by a qualified name it is the caller's; without, it is ambiguous.
 #include <Math/Vector.h>
 
 Tervane::Math::Vector operator*(Tervane::Math::Vector const& a, Tervane::Math::Vector const& b);

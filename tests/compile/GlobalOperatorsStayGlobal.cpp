@@ -1,5 +1,5 @@
-// The global operators are found in the global namespace only. A caller's operator of the same sign hides them in
-// its namespace, and a caller's global template that would take anything is not found there either.
+// The global operators are found in the global namespace only. A caller's operator of the same sign hides
+// them in its namespace, and a caller's global template that would take anything is not found there either.
 template<class T>
 T operator+(T const& a, T const&) {
     return a;
