@@ -119,10 +119,10 @@ bool overlap(double const* a, std::size_t n, double const* b, std::size_t m) {
     return beginA < beginB + m * sizeof(double) && beginB < beginA + n * sizeof(double);
 }
 
-/// Interpolates at every element of `x` in its own storage. Where the table lies in that storage, what a
+/// Interpolates at every element of `x` in its own storage, which the result takes over. Where the table lies in that storage, what a
 /// point gives depends on the points before it; then all go in order, on this thread.
 template<class Points>
-Points interpolated(Points&& x, Table const& table) {
+Points interpolated(Points& x, Table const& table) {
     using Access = Detail::AccessTo<Points>;
     double* const points = Access::elements(x);
     std::size_t const n = Access::length(x);
@@ -152,7 +152,7 @@ void interpolate(Vector const& x, Vector const& xp, ViewVector const& fp, Vector
 } // namespace
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, VectorView2 const& fp) {
-    return interpolated(std::move(x), tableOf(xp, fp));
+    return interpolated(x, tableOf(xp, fp));
 }
 
 Vector2 interp(Vector2&& x, Vector2 const& xp, Vector2 const& fp) {
@@ -173,7 +173,7 @@ double interp(double const& x, Vector2 const& xp, Vector2 const& fp) {
 
 Vector interp(Vector&& x, Vector const& xp, ViewVector const& fp) {
     if (isPlain(fp))
-        return interpolated(std::move(x), tableOf(xp, fp));
+        return interpolated(x, tableOf(xp, fp));
     interpolate(x, xp, fp, x);
     return std::move(x);
 }
