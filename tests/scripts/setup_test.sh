@@ -54,6 +54,8 @@ done
 lists test-quick libgtest-dev || wrong 'the quick tests do not ask for libgtest-dev'
 lists demo ngspice || wrong 'the demo does not ask for ngspice'
 if lists demo libgtest-dev; then wrong 'the demo asks for libgtest-dev'; fi
+lists docs doxygen || wrong 'the manual does not ask for doxygen'
+if lists docs libmkl-dev; then wrong 'the manual asks for oneMKL'; fi
 lists bench libbenchmark-dev || wrong 'the benchmarks do not ask for libbenchmark-dev'
 
 # Whatever any purpose needs is among everything, and every script says what it sets up for.
