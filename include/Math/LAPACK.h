@@ -76,7 +76,7 @@ TVNMATH_API System::Expected<void, System::ErrorCode2> gels(Transpose trans, Mat
 /// @param rcond singular values below rcond times the largest count as zero; a negative one means the machine
 ///        precision
 /// @return `LinearAlgebraErrc::InvalidParameter` for what the driver refuses, `LeastSquaresFailed` when the
-///         decomposition does not converge, as with a NaN or an infinity in A
+///         decomposition does not converge
 ///
 /// Complexity: O(m n min(m, n)).
 TVNMATH_API System::Expected<void, System::ErrorCode2> gelsd(Matrix2& A, Vector2& b, double const& rcond);
