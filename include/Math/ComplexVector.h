@@ -231,7 +231,8 @@ private:
 /// element-wise dispatch. The result takes over the elements of an rvalue vector and is a copy of any other.
 ///
 /// The operators stand in the global namespace and nowhere else, so operators of the same sign in a caller's
-/// namespace hide them, and Tervane::Math's own do so in that namespace. There, write `::operator*(z, s)`.
+/// namespace hide them, and Tervane::Math's own do so in that namespace. There, call them by
+/// their full names, `::operator*` and `::operator/`.
 TVNMATH_API Tervane::Math::ComplexVector operator*(Tervane::Math::ComplexVector&& z, double const& s);
 TVNMATH_API Tervane::Math::ComplexVector operator*(Tervane::Math::ComplexVector const& z, double const& s);
 TVNMATH_API Tervane::Math::ComplexVector operator*(double const& s, Tervane::Math::ComplexVector&& z);

@@ -207,7 +207,7 @@ public:
 /// At least one operand must be an rvalue: `a + b` with two named vectors does not compile (compatibility
 /// C73). Write `Vector(a) + b`. The operators stand in the global namespace and nowhere else, so operators of
 /// the same sign in a caller's namespace hide them, and Tervane::Math's own do so in that namespace. There,
-/// write `::operator+(std::move(a), b)`.
+/// call them by their full names, `::operator+` and `::operator-`.
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector&& a, Tervane::Math::Vector const& b);
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector&& a, Tervane::Math::Vector&& b);
 TVNMATH_API Tervane::Math::Vector operator+(Tervane::Math::Vector const& a, Tervane::Math::Vector&& b);

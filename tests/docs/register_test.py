@@ -66,8 +66,7 @@ def complete(project):
     for number, title, text in listed:
         if not CODE.search(text):
             faults.append(f"C{number} shows no code")
-        lines = [line for line in text.splitlines() if line.startswith("Test: ")]
-        names = TEST.findall(lines[0]) if lines else []
+        names = [name for line in re.findall(r"^Test: (.+?)(?:\n\n|\Z)", text, re.MULTILINE | re.DOTALL) for name in TEST.findall(line)]
         if not names:
             faults.append(f"C{number} names no test")
         faults += [f"C{number} names {name}, which is no test" for name in names if name not in tests]
