@@ -84,8 +84,13 @@ TVNMATH_API System::Expected<Vector2, System::ErrorCode2> gemv(Transpose trans, 
 /// @{
 
 /// Solves A X = B by LU factorisation with partial pivoting. X overwrites B, the factors overwrite A; the
-/// value is the address of B. The order n of the system is the row count of B (of a vector, rows(): 1 for a
-/// row), and the number of right-hand sides its column count (compatibility C48).
+/// value is the address of B. The order n of the system is the row count of B, and the number of right-hand
+/// sides its column count. For a vector that is rows(): a row, whatever its length, is a system of order 1
+/// (compatibility C48).
+///
+/// A zero pivot is known when all of A is factored: A then holds the factors, and a zero on its diagonal is
+/// at the place of an unknown that the equations do not fix. A system that is singular up to rounding, and a
+/// NaN in A or b, succeed: check the result.
 ///
 /// @pre A is n x n. Nothing checks this; LAPACK::gesv does.
 /// @return the address of B; `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero,

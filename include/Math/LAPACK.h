@@ -40,14 +40,16 @@ class Vector;
 
 namespace LAPACK {
 
-/// Solves A x = b by LU factorisation with partial pivoting; x replaces b, the factors replace A.
+/// Solves A x = b by LU factorisation with partial pivoting; x replaces b, the factors replace A, also where
+/// a pivot is zero: a zero on A's diagonal then is at the place of an unknown that the equations do not fix.
+/// A system that is singular up to rounding, and a NaN in A or b, succeed: check the result.
 ///
 /// @param A a square matrix
 /// @param b a column with an element for each row of A
 /// @return `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero (compatibility C49):
 ///         mend the system. For an A that is not square, or whose row count is not b.rows(), the error -1 of
-///         the system category and no code of the linear-algebra category (compatibility C50): compare the
-///         shapes first.
+///         the system category ("Unknown error -1") and no code of the linear-algebra category (compatibility
+///         C50): compare the shapes first.
 ///
 /// Complexity: O(n^3).
 TVNMATH_API System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2& b);

@@ -50,7 +50,9 @@ public:
     Matrix2(Matrix2&& other) noexcept = default;
 
     /// Copies elements and dimensions; this matrix's storage is used again when it suffices, and otherwise
-    /// grows to the larger of the new count and one and a half times its capacity.
+    /// grows to the larger of the new count and one and a half times its capacity. So a matrix that is filled
+    /// anew in a loop can be cleared by assigning a kept matrix of zeros: that allocates nothing and, in the
+    /// cache, costs what memset costs.
     Matrix2& operator=(Matrix2 const& other) = default;
 
     /// Releases this matrix's storage and takes over that of `other`, which is left with none but with its
@@ -63,7 +65,8 @@ public:
     /// @{
 
     /// The element at a row and a column.
-    /// @pre the index lies in the matrix
+    /// @pre the index lies in the matrix. A row or column of -1, as circuits number ground, compiles, becomes
+    ///      the largest number there is, and writes outside the matrix.
     double& operator[](Index const& i) noexcept { return _elements[i.row() + i.column() * rows()]; }
     double const& operator[](Index const& i) const noexcept {
         return _elements[i.row() + i.column() * rows()];
@@ -74,7 +77,8 @@ public:
     /// @{
 
     /// The address of the first element of column `c`, so that `m[c][r]` is element (r, c): the column comes
-    /// first (compatibility C24).
+    /// first (compatibility C24). `m[i][j]` is the element that `m[Index(j, i)]` is, and with formulas of rows
+    /// and columns the transposed one.
     /// @pre `c` is below columns()
     double* operator[](std::size_t c) noexcept { return data() + c * rows(); }
     double const* operator[](std::size_t c) const noexcept { return data() + c * rows(); }
