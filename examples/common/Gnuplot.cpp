@@ -1,13 +1,8 @@
 #include "Gnuplot.h"
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "ChildProcess.h"
 
 #include <fstream>
-
-extern char** environ;
 
 namespace Examples {
 
@@ -33,25 +28,6 @@ do for [format in "svg png"] {
     }
 )";
 
-/// Runs gnuplot on the script in @p folder; whether it succeeded.
-bool runGnuplot(std::filesystem::path const& folder) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-    // The report is the only thing on standard output.
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, logName, O_WRONLY | O_CREAT, 0644);
-    std::string program = "gnuplot";
-    std::string script = scriptName;
-    char* const arguments[] = {program.data(), script.data(), nullptr};
-    pid_t child = 0;
-    int const failed = posix_spawnp(&child, program.c_str(), &actions, nullptr, arguments, environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    return failed == 0 && waitpid(child, &status, 0) == child && WIFEXITED(status)
-           && WEXITSTATUS(status) == 0;
-}
-
 } // namespace
 
 std::string quotedForGnuplot(std::string const& text) {
@@ -75,7 +51,7 @@ Expected<void, ErrorCode2> drawPlots(OutputFolder& folder, std::vector<std::stri
     if (auto const written = folder.write(scriptName, scriptStart + commands + "}\n", place); !written) {
         return written.error();
     }
-    if (!runGnuplot(folder.temporary())) {
+    if (!runChild(folder.temporary(), {"gnuplot", scriptName}, logName).succeeded) {
         place = {};
         std::ifstream log(folder.temporary() / logName);
         std::getline(log, place.detail);
