@@ -39,3 +39,13 @@ diff <(printf '%s\n' "$expected") <(printf '%s\n' "$output") || { echo "called w
 # From the project's own folder the paths are as short as they can be, and no option is no option.
 cd "$project"
 [ "$(scripts/demo | sed -n 3p)" = examples/converter_emi/data/buck_converter.csv ] || { echo "long path"; exit 1; }
+
+# With --netlist the simulator's example runs first, and the main example reads its record.
+mkdir -p build/demo/examples/transient
+stub "$project/build/demo/examples/transient/transient" 'printf "simulates %s\n" "$1"'
+stub "$work/bin/ngspice" 'exit 0'
+lines=$(scripts/demo --netlist --window hann)
+grep -q '^simulates examples/converter_emi/data/buck_converter.cir$' <<<"$lines" || { echo "no simulation"; exit 1; }
+grep -q '^output/transient/record.csv$' <<<"$lines" || { echo "another record"; exit 1; }
+grep -q '^hann$' <<<"$lines" || { echo "options lost"; exit 1; }
+if scripts/demo --netlist --simulate >/dev/null 2>&1; then echo "two simulators at once"; exit 1; fi
