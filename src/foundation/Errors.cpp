@@ -2,6 +2,7 @@
 
 #include <Math/Errors.h>
 #include <System/Expected.h>
+#include <System/Immortal.h>
 #include <System/String.h>
 #include <System/String2.h>
 
@@ -77,26 +78,29 @@ private:
     std::span<Text const> _texts;
 };
 
+/// Messages may still be asked for while the process ends.
+using ImmortalCategory = System::detail::Immortal<TableCategory const>;
+
 } // namespace
 
 System::ErrorCategory2 const& linear_algebra_error_category() {
-    static TableCategory const category("math-la", linearAlgebraTexts);
-    return category;
+    static ImmortalCategory const category("math-la", linearAlgebraTexts);
+    return category.value;
 }
 
 System::ErrorCategory2 const& fft_error_category() {
-    static TableCategory const category("math-fft", fftTexts);
-    return category;
+    static ImmortalCategory const category("math-fft", fftTexts);
+    return category.value;
 }
 
 System::ErrorCategory2 const& emi_error_category() {
-    static TableCategory const category("math-emi", emiTexts);
-    return category;
+    static ImmortalCategory const category("math-emi", emiTexts);
+    return category.value;
 }
 
 System::ErrorCategory2 const& math_error_category() {
-    static TableCategory const category("math", mathTexts);
-    return category;
+    static ImmortalCategory const category("math", mathTexts);
+    return category.value;
 }
 
 LinearAlgebraErrorCategory::LinearAlgebraErrorCategory() = default;
@@ -112,8 +116,8 @@ System::String LinearAlgebraErrorCategory::name() const {
 }
 
 LinearAlgebraErrorCategory const& LinearAlgebraErrorCategory::get() {
-    static LinearAlgebraErrorCategory const category;
-    return category;
+    static System::detail::Immortal<LinearAlgebraErrorCategory const> const category;
+    return category.value;
 }
 
 } // namespace Tervane::Math

@@ -1,6 +1,7 @@
 #include "NarrowText.h"
 
 #include <System/ErrorCode2.h>
+#include <System/Immortal.h>
 #include <System/String2.h>
 
 namespace Tervane::System {
@@ -21,14 +22,8 @@ private:
     std::error_category const& _standard;
 };
 
-/// Holds a category that is never destroyed: codes may still be used while the process ends. It needs no
-/// allocation either, so that a category is there when memory is not.
-union Immortal {
-    Immortal(char const* name, std::error_category const& standard) noexcept : category(name, standard) {}
-    ~Immortal() {}
-
-    StandardCategory const category;
-};
+/// Codes may still be used while the process ends.
+using ImmortalCategory = detail::Immortal<StandardCategory const>;
 
 } // namespace
 
@@ -53,23 +48,23 @@ String2 ErrorCode2::message() const {
 }
 
 ErrorCategory2 const& generic_error_category() noexcept {
-    static Immortal const instance("generic", std::generic_category());
-    return instance.category;
+    static ImmortalCategory const instance("generic", std::generic_category());
+    return instance.value;
 }
 
 ErrorCategory2 const& system_error_category() noexcept {
-    static Immortal const instance("system", std::system_category());
-    return instance.category;
+    static ImmortalCategory const instance("system", std::system_category());
+    return instance.value;
 }
 
 ErrorCategory2 const& future_error_category() noexcept {
-    static Immortal const instance("future", std::future_category());
-    return instance.category;
+    static ImmortalCategory const instance("future", std::future_category());
+    return instance.value;
 }
 
 ErrorCategory2 const& iostream_error_category() noexcept {
-    static Immortal const instance("iostream", std::iostream_category());
-    return instance.category;
+    static ImmortalCategory const instance("iostream", std::iostream_category());
+    return instance.value;
 }
 
 ErrorCode2 ErrorCodeEnumConstructor<std::errc>::operator()(std::errc enumerator) const noexcept {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -152,6 +153,34 @@ TEST(LegacyLinearAlgebraErrorCategory, IsASingleObjectAndCanBeMadeToo) {
     System::ErrorCategory const& base = own;
     EXPECT_EQ(base.message(3).narrow(), "dimensions mismatch");
     EXPECT_NE(&base, &LinearAlgebraErrorCategory::get());
+}
+
+/// Made before any category is used, so it ends after objects that come with their first use.
+void askForMessagesWhileTheProcessEnds() {
+    static struct Late {
+        ~Late() {
+            bool const isRight =
+                ErrorCode2(3, linear_algebra_error_category()).message().narrow() == "dimensions mismatch"
+                && ErrorCode2(4, fft_error_category()).message().narrow() == "Memory error"
+                && ErrorCode2(7, emi_error_category()).message().narrow() == "Unrecognised error (7)"
+                && ErrorCode2(0, math_error_category()).message().narrow()
+                       == "complex vector from data cannot have odd length"
+                && std::string(math_error_category().name()) == "math"
+                && ErrorCode(9, LinearAlgebraErrorCategory::get()).message().narrow() == "matrix is singular"
+                && !ErrorCode2(2, System::system_error_category()).message().narrow().empty();
+            std::_Exit(isRight ? EXIT_SUCCESS : EXIT_FAILURE);
+        }
+    } const late;
+    for (ErrorCategory2 const* category : {&linear_algebra_error_category(), &fft_error_category(),
+                                           &emi_error_category(), &math_error_category()})
+        static_cast<void>(category->message(0));
+    static_cast<void>(LinearAlgebraErrorCategory::get().message(0));
+    std::exit(EXIT_FAILURE);
+}
+
+TEST(ErrorCategories, LiveUntilTheProcessEnds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(askForMessagesWhileTheProcessEnds(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
 TEST(LegacyErrorBuilder, MakesCodesAndDropsTheText) {
