@@ -4,6 +4,7 @@
 
 #include <malloc.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -49,6 +50,10 @@ void resumeKeptStorage(KeptStorage keptStorage) {
         Tervane::Math::Detail::resumeRecycling();
 }
 
+constinit std::atomic<std::size_t> firstFault = unlimited;
+constinit std::atomic<std::size_t> lastFault = unlimited;
+constinit std::atomic<std::size_t> faultyHeapCount = 0;
+
 void note(std::size_t bytes) {
     if (isCounting) {
         ++allocationCount;
@@ -91,7 +96,12 @@ namespace {
 
 bool mayAllocate(std::size_t bytes) {
     note(bytes);
-    if (bytes <= largestAllocation)
+    bool isFaulty = false;
+    if (firstFault != unlimited) {
+        std::size_t const number = ++faultyHeapCount;
+        isFaulty = number >= firstFault && number <= lastFault;
+    }
+    if (bytes <= largestAllocation && !isFaulty)
         return true;
     errno = ENOMEM;
     return false;
@@ -166,6 +176,24 @@ FailingAllocations::FailingAllocations(std::size_t largestThatSucceeds, KeptStor
 FailingAllocations::~FailingAllocations() {
     largestAllocation = unlimited;
     resumeKeptStorage(_keptStorage);
+}
+
+FaultyHeap::FaultyHeap(std::size_t n, Faults faults) {
+    faultyHeapCount = 0;
+    lastFault = faults == Faults::One ? n : unlimited;
+    firstFault = n;
+}
+
+FaultyHeap::~FaultyHeap() {
+    firstFault = unlimited;
+}
+
+std::size_t FaultyHeap::count() const {
+    return faultyHeapCount;
+}
+
+bool FaultyHeap::isSupported() {
+    return FailingAllocations::areSupported();
 }
 
 bool FailingAllocations::areSupported() {

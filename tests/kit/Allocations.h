@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Counts heap allocations, those inside shared libraries included, makes large ones fail, and measures the
-/// heap.
+/// Counts heap allocations, those inside shared libraries included, makes large ones or those of a place in
+/// their order fail, and measures the heap.
 
 #include <cstddef>
 
@@ -46,6 +46,26 @@ public:
 
 private:
     KeptStorage _keptStorage;
+};
+
+/// Lets one allocation of the process fail, or all from one on, while it lives; whichever thread asks. Scopes
+/// do not nest.
+class FaultyHeap {
+public:
+    enum class Faults { One, AllFromThere };
+
+    /// @param n the allocation that fails first, counted from 1
+    FaultyHeap(std::size_t n, Faults faults);
+    ~FaultyHeap();
+
+    FaultyHeap(FaultyHeap const&) = delete;
+    FaultyHeap& operator=(FaultyHeap const&) = delete;
+
+    /// Allocations so far, those that failed included.
+    std::size_t count() const;
+
+    /// False in the sanitizers' builds, whose heap cannot be made to fail.
+    static bool isSupported();
 };
 
 /// Bytes of the heap that are in use now, by whomever.
