@@ -71,18 +71,19 @@ TVNMATH_MULTIVERSION static void independent(In1 const* in1, In2 const* in2, Out
 
 /// An operation that knows a faster way through a whole range than one element after the other: it can be
 /// called with an input, an output and a length as well as with an element, to the same effect. The output is
-/// the input itself or does not overlap it.
+/// then the input itself or does not overlap it.
 template<class Op, class In, class Out>
 concept RangeOperation = requires(Op const op, In const* in, Out* out, std::size_t n) {
     op(in, out, n);
 };
 
-/// Whether the two ranges share memory without beginning at the same place.
+/// Whether the two ranges share memory without their elements being at the same places.
 template<class A, class B>
 bool overlapPartly(A const* a, B const* b, std::size_t n) noexcept {
     auto const beginA = reinterpret_cast<std::uintptr_t>(a);
     auto const beginB = reinterpret_cast<std::uintptr_t>(b);
-    return beginA != beginB && beginA < beginB + n * sizeof(B) && beginB < beginA + n * sizeof(A);
+    bool const coincide = beginA == beginB && sizeof(A) == sizeof(B);
+    return !coincide && beginA < beginB + n * sizeof(B) && beginB < beginA + n * sizeof(A);
 }
 
 } // namespace Detail
@@ -90,8 +91,13 @@ bool overlapPartly(A const* a, B const* b, std::size_t n) noexcept {
 /// Runs an operation for every element of a range, where the process-wide policy says.
 ///
 /// The one place that decides between the library's own loop, the serial standard algorithms and the parallel
-/// ones. The policy is read once, at entry. An element's value is the same on every path. An operation is a
-/// small copyable function object without shared mutable state that does not throw.
+/// ones. The policy is read once, at entry. An element's value is the same on every path.
+///
+/// Where the output overlaps an input partly, the order of elements can be seen. It is decided for the whole
+/// range, and such a range is computed in order on the calling thread.
+///
+/// An operation is a small copyable function object without shared mutable state. Where it throws, the
+/// exception of the first element that it throws for leaves; elements after it may have been computed.
 class ElementwiseDispatch {
 public:
     /// out[i] = op(first[i])
@@ -102,13 +108,15 @@ public:
         AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
         if (policy == Sequenced)
             return std::transform(first, last, out, op);
-        if (isParallel(policy, Op::cost, n))
+        if (Detail::overlapPartly(first, out, n))
+            Detail::Kernels::inOrder(first, out, n, op);
+        else if (isParallel(policy, Op::cost, n))
             Detail::parallelFor(policy, n, Detail::shortestChunk(Op::cost),
                                 [=](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
-                                    inlineTransform(first + begin, out + begin, end - begin, op);
+                                    inAnyOrder(first + begin, out + begin, end - begin, op);
                                 });
         else
-            inlineTransform(first, out, n, op);
+            inAnyOrder(first, out, n, op);
         return out + n;
     }
 
@@ -120,14 +128,15 @@ public:
         AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
         if (policy == Sequenced)
             return std::transform(first1, last1, first2, out, op);
-        if (isParallel(policy, Op::cost, n))
+        if (Detail::overlapPartly(first1, out, n) || Detail::overlapPartly(first2, out, n))
+            Detail::Kernels::inOrder(first1, first2, out, n, op);
+        else if (isParallel(policy, Op::cost, n))
             Detail::parallelFor(policy, n, Detail::shortestChunk(Op::cost),
                                 [=](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
-                                    inlineTransform(first1 + begin, first2 + begin, out + begin, end - begin,
-                                                    op);
+                                    inAnyOrder(first1 + begin, first2 + begin, out + begin, end - begin, op);
                                 });
         else
-            inlineTransform(first1, first2, out, n, op);
+            inAnyOrder(first1, first2, out, n, op);
         return out + n;
     }
 
@@ -148,19 +157,18 @@ private:
     }
 
     template<class In, class Out, class Op>
-    static void inlineTransform(In const* in, Out* out, std::size_t n, Op op) {
+    static void inAnyOrder(In const* in, Out* out, std::size_t n, Op op) {
         if constexpr (Detail::RangeOperation<Op, In, Out>)
             op(in, out, n);
-        else if (Op::cost == Detail::ElementCost::Function || Detail::overlapPartly(in, out, n))
+        else if constexpr (Op::cost == Detail::ElementCost::Function)
             Detail::Kernels::inOrder(in, out, n, op);
         else
             Detail::Kernels::independent(in, out, n, op);
     }
 
     template<class In1, class In2, class Out, class Op>
-    static void inlineTransform(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
-        if (Op::cost == Detail::ElementCost::Function || Detail::overlapPartly(in1, out, n)
-            || Detail::overlapPartly(in2, out, n))
+    static void inAnyOrder(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
+        if constexpr (Op::cost == Detail::ElementCost::Function)
             Detail::Kernels::inOrder(in1, in2, out, n, op);
         else
             Detail::Kernels::independent(in1, in2, out, n, op);

@@ -1,5 +1,7 @@
 #include "foundation/OneMKLThreads.h"
 
+#include "foundation/ThreadProbe.h"
+
 #include <mkl_service.h>
 #include <pthread.h>
 
@@ -73,39 +75,6 @@ std::size_t stackSize() noexcept {
 #    endif
 }
 
-/// Whether so many threads can be had at the same time. They wait for each other, so that none ends before
-/// the last has started.
-bool canStart(std::size_t count) noexcept {
-    struct Gate {
-        pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
-    };
-    Gate gate;
-    pthread_attr_t attributes;
-    if (pthread_attr_init(&attributes) != 0)
-        return false;
-    if (std::size_t const size = stackSize(); size != 0)
-        pthread_attr_setstacksize(&attributes, size);
-
-    auto* const threads = static_cast<pthread_t*>(std::malloc(count * sizeof(pthread_t)));
-    std::size_t started = 0;
-    pthread_mutex_lock(&gate.mutex);
-    auto const wait = [](void* data) -> void* {
-        auto* const mutex = &static_cast<Gate*>(data)->mutex;
-        pthread_mutex_lock(mutex);
-        pthread_mutex_unlock(mutex);
-        return nullptr;
-    };
-    while (threads != nullptr && started < count
-           && pthread_create(&threads[started], &attributes, wait, &gate) == 0)
-        ++started;
-    pthread_mutex_unlock(&gate.mutex);
-    for (std::size_t i = 0; i < started; ++i)
-        pthread_join(threads[i], nullptr);
-    std::free(threads);
-    pthread_attr_destroy(&attributes);
-    return started == count;
-}
-
 /// Whether oneMKL may use its threads on behalf of the calling one. Starts them when they are not there yet.
 bool hasTeam() noexcept {
     unsigned const now = generation.load(std::memory_order_relaxed);
@@ -121,7 +90,7 @@ bool hasTeam() noexcept {
     if (omp_in_parallel() != 0) // the host's own parallel region, in which oneMKL uses one thread
         return false;
     auto const threads = static_cast<std::size_t>(mkl_get_max_threads());
-    if (threads < 2 || !hasMemory(threads * memoryPerThread) || !canStart(threads - 1))
+    if (threads < 2 || !hasMemory(threads * memoryPerThread) || !threadsCanBeHad(threads - 1, stackSize()))
         return false;
     GOMP_parallel([](void*) {}, nullptr, static_cast<unsigned>(threads), 0);
     startedIn = now;

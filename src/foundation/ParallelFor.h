@@ -3,15 +3,18 @@
 #include <Math/ExecutionPolicy.h>
 
 #include <algorithm>
-#include <array>
+#include <atomic>
 #include <cstddef>
+#include <exception>
 #include <memory>
+#include <mutex>
+#include <new>
 #include <type_traits>
 
 namespace Tervane::Math::Detail {
 
-/// A reference to a callable `void(std::size_t chunk, std::size_t first, std::size_t last)` that must not
-/// throw. It erases the type so that the parallel algorithms, which are slow to compile, are compiled once.
+/// A reference to a callable `void(std::size_t chunk, std::size_t first, std::size_t last)`. It erases the
+/// type so that the parallel algorithms, which are slow to compile, are compiled once.
 class ChunkBody {
 public:
     template<class Body>
@@ -30,6 +33,30 @@ private:
     void (*_call)(void const*, std::size_t, std::size_t, std::size_t);
 };
 
+/// Keeps of the exceptions that chunks end with the one that a single thread, which runs them in their order,
+/// would have met.
+class FirstFailure {
+public:
+    /// To be called where the exception is handled.
+    void note(std::size_t chunk) noexcept {
+        std::lock_guard<std::mutex> const lock(_mutex);
+        if (_exception == nullptr || chunk < _chunk) {
+            _chunk = chunk;
+            _exception = std::current_exception();
+        }
+    }
+
+    void rethrow() const {
+        if (_exception != nullptr)
+            std::rethrow_exception(_exception);
+    }
+
+private:
+    std::mutex _mutex;
+    std::size_t _chunk = 0;
+    std::exception_ptr _exception;
+};
+
 /// The most chunks that one range is cut into.
 inline constexpr std::size_t maximumChunks = 128;
 
@@ -37,17 +64,18 @@ inline constexpr std::size_t maximumChunks = 128;
 /// `body` once for each. Chunks begin at multiples of 8, so that no two of them share a cache line of
 /// doubles.
 ///
-/// `spread(first, last, run)` is to call run() on each element of [first, last), wherever and in whatever
-/// order it likes. When it throws, what it has not run runs here.
+/// `spread(count, work)` is to call work(), which does not throw, on as many threads as it likes, at most one
+/// for each of the `count` chunks. Each of them takes the next chunk as long as there is one. What is left
+/// when it returns or throws runs here, and no element is ever computed twice.
+///
+/// A chunk whose body throws ends there, and the others run all the same, since a parallel algorithm would
+/// end the process.
 ///
 /// @return the number of chunks that the range was cut into
+/// @throws what the body threw for the first chunk, in their order, for which it did
 template<class Spread>
 std::size_t runInChunks(std::size_t n, std::size_t shortestChunk, std::size_t mostChunks, ChunkBody body,
                         Spread const& spread) {
-    struct Chunk {
-        std::size_t number;
-        bool isDone;
-    };
     std::size_t const atMost = std::clamp<std::size_t>(mostChunks, 1, maximumChunks);
     std::size_t const wanted =
         std::clamp<std::size_t>(n / std::max<std::size_t>(shortestChunk, 1), 1, atMost);
@@ -55,25 +83,25 @@ std::size_t runInChunks(std::size_t n, std::size_t shortestChunk, std::size_t mo
     std::size_t const chunkLength = std::max<std::size_t>((evenShare + 7) / 8 * 8, 8);
     std::size_t const count = (n + chunkLength - 1) / chunkLength;
 
-    std::array<Chunk, maximumChunks> chunks;
-    for (std::size_t i = 0; i < count; ++i)
-        chunks[i] = {i, false};
-    Chunk* const first = chunks.data();
-    Chunk* const last = first + count;
-    auto const run = [=](Chunk& chunk) {
-        std::size_t const begin = chunk.number * chunkLength;
-        body(chunk.number, begin, std::min(begin + chunkLength, n));
-        chunk.isDone = true;
+    std::atomic<std::size_t> next{0};
+    FirstFailure failure;
+    auto const work = [=, &next, &failure]() noexcept {
+        for (std::size_t chunk = 0; (chunk = next.fetch_add(1, std::memory_order_relaxed)) < count;) {
+            std::size_t const begin = chunk * chunkLength;
+            try {
+                body(chunk, begin, std::min(begin + chunkLength, n));
+            } catch (...) {
+                failure.note(chunk);
+            }
+        }
     };
     try {
-        spread(first, last, run);
-    } catch (...) {
-        // The body does not throw, so this is a runtime short of memory or threads. No element may be
-        // computed twice, in place least of all, so only what nobody has run is left to do.
-        for (Chunk* chunk = first; chunk != last; ++chunk)
-            if (!chunk->isDone)
-                run(*chunk);
+        spread(count, work);
+    } catch (std::bad_alloc const&) {
+        // A runtime short of memory; what it ran is done.
     }
+    work();
+    failure.rethrow();
     return count;
 }
 

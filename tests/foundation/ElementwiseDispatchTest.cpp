@@ -13,6 +13,7 @@
 #include <cmath>
 #include <complex>
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -233,6 +234,71 @@ TEST(ElementwiseDispatch, KeepsTheOrderWhereTheOutputOverlapsAnInputPartly) {
             addInOrder(expected.data(), ones.data(), expected.data() + distance, n);
             EXPECT_TRUE(sameBits(actual, expected));
         }
+}
+
+TEST(ElementwiseDispatch, KeepsTheOrderOfTheWholeRangeUnderEveryPolicy) {
+    std::size_t const n = 4 * streamingLimit;
+    std::vector<double> const start = ordinaryValues(2 * n);
+    std::vector<double> const other = ordinaryValues(n, 2);
+    // From neighbours to ranges that overlap by their last cache line; between these, chunks that overlap
+    // others.
+    for (std::size_t const distance : {std::size_t{1}, std::size_t{8}, n / 16, n / 4, n / 2, n - 8})
+        forEachPolicy([&] {
+            SCOPED_TRACE("distance " + std::to_string(distance));
+            std::vector<double> actual = start, expected = start;
+            ElementwiseDispatch::transform(actual.data(), actual.data() + n, other.data(),
+                                           actual.data() + distance, Add());
+            addInOrder(expected.data(), other.data(), expected.data() + distance, n);
+            EXPECT_TRUE(sameBits(actual, expected));
+
+            // In place, with a second operand that begins further on.
+            actual = start, expected = start;
+            ElementwiseDispatch::transform(actual.data(), actual.data() + n, actual.data() + distance,
+                                           actual.data(), Add());
+            addInOrder(expected.data(), expected.data() + distance, expected.data(), n);
+            EXPECT_TRUE(sameBits(actual, expected));
+
+            actual = start, expected = start;
+            ElementwiseDispatch::transform(actual.data(), actual.data() + n, actual.data() + distance,
+                                           WithRightScalar<Add>{1.0});
+            std::vector<double> const ones(n, 1.0);
+            addInOrder(expected.data(), ones.data(), expected.data() + distance, n);
+            EXPECT_TRUE(sameBits(actual, expected));
+        });
+}
+
+TEST(ElementwiseDispatch, GivesNoRangeToAnOperationWhereTheOutputOverlapsTheInputPartly) {
+    for (std::size_t const n : {std::size_t{100}, 4 * functionLimit})
+        forEachPolicy([&] {
+            std::atomic<std::size_t> inRanges = 0;
+            std::vector<double> actual = ordinaryValues(n + 3), expected = actual;
+            ElementwiseDispatch::transform(actual.data(), actual.data() + n, actual.data() + 3,
+                                           RangeSine{{}, &inRanges});
+            for (std::size_t i = 0; i < n; ++i)
+                expected[i + 3] = std::sin(expected[i]);
+            EXPECT_EQ(inRanges, 0u);
+            EXPECT_TRUE(sameBits(actual, expected));
+        });
+}
+
+struct ThrowAtNegative {
+    static constexpr ElementCost cost = ElementCost::Function;
+    double operator()(double x) const { return x < 0.0 ? throw std::out_of_range(std::to_string(x)) : x; }
+};
+
+TEST(ElementwiseDispatch, LetsAnExceptionOfTheOperationOutUnderEveryPolicy) {
+    for (std::size_t const n : {std::size_t{100}, 8 * functionLimit})
+        forEachPolicy([&] {
+            std::vector<double> in(n, 1.0), out(n);
+            in[n / 2] = -2.0;
+            in[n - 1] = -1.0;
+            try {
+                ElementwiseDispatch::transform(in.data(), in.data() + n, out.data(), ThrowAtNegative());
+                ADD_FAILURE() << "no exception";
+            } catch (std::out_of_range const& e) {
+                EXPECT_EQ(e.what(), std::to_string(-2.0));
+            }
+        });
 }
 
 TEST(ElementwiseDispatch, ComputesComplexElementsAlikeUnderEveryPolicy) {

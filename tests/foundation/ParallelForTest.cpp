@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <new>
-#include <set>
+#include <thread>
 #include <vector>
 
 namespace Tervane::Math::Detail {
@@ -46,23 +46,48 @@ TEST(ParallelFor, GivesNoChunkLessThanTheShortestButTheLast) {
     });
 }
 
-TEST(ParallelFor, FinishesOnTheCallingThreadWhenTheRuntimeCannotGoOn) {
-    // A runtime that runs every other chunk and then finds no resources. Nothing may be left out or done
-    // twice.
-    std::vector<int> visits(10'000);
-    std::size_t const count = runInChunks(
-        visits.size(), 8, 16,
-        [&](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
-            for (std::size_t i = begin; i < end; ++i)
-                ++visits[i];
-        },
-        [](auto first, auto last, auto const& run) {
-            for (auto chunk = first; chunk < last; chunk += 2)
-                run(*chunk);
-            throw std::bad_alloc();
-        });
-    EXPECT_EQ(count, 16u);
-    EXPECT_TRUE(std::all_of(visits.begin(), visits.end(), [](int v) { return v == 1; }));
+// Nothing may be left out or done twice.
+TEST(ParallelFor, FinishesOnTheCallingThreadWhatTheRuntimeDidNotRun) {
+    auto const expectEveryElementOnce = [](auto const& spread) {
+        std::vector<int> visits(10'000);
+        std::size_t const count = runInChunks(
+            visits.size(), 8, 16,
+            [&](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+                for (std::size_t i = begin; i < end; ++i)
+                    ++visits[i];
+            },
+            spread);
+        EXPECT_EQ(count, 16u);
+        EXPECT_TRUE(std::all_of(visits.begin(), visits.end(), [](int v) { return v == 1; }));
+    };
+    expectEveryElementOnce([](std::size_t /*count*/, auto const& /*work*/) {});
+    expectEveryElementOnce([](std::size_t /*count*/, auto const& /*work*/) { throw std::bad_alloc(); });
+    expectEveryElementOnce([](std::size_t /*count*/, auto const& work) {
+        std::thread other(work);
+        other.join();
+        throw std::bad_alloc();
+    });
+}
+
+TEST(ParallelFor, LeavesWithTheExceptionThatOneThreadWouldHaveMet) {
+    for (AlgorithmExecutionPolicy const policy : parallelPolicies) {
+        std::vector<std::atomic<int>> visits(100'000);
+        std::size_t failures = 0;
+        try {
+            parallelFor(policy, visits.size(), 1'000,
+                        [&](std::size_t chunk, std::size_t begin, std::size_t end) {
+                            for (std::size_t i = begin; i < end; ++i)
+                                ++visits[i];
+                            if (chunk != 0)
+                                throw chunk;
+                        });
+        } catch (std::size_t chunk) {
+            EXPECT_EQ(chunk, 1u);
+            ++failures;
+        }
+        EXPECT_EQ(failures, std::thread::hardware_concurrency() > 1 ? 1u : 0u);
+        EXPECT_TRUE(std::all_of(visits.begin(), visits.end(), [](auto const& v) { return v == 1; }));
+    }
 }
 
 } // namespace
