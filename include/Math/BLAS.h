@@ -43,9 +43,9 @@ namespace BLAS {
 /// A Transpose that is not listed counts as a transposition for the shapes, and as none for the routine
 /// (compatibility C44).
 ///
-/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together, when C is
-///         not M x N, and when with an unlisted Transpose the routine would read columns that are not there:
-///         mend the shapes. C is then as it was.
+/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together, when C
+///         is not M x N, and when with an unlisted Transpose the routine would read columns that are not
+///         there: mend the shapes. C is then as it was.
 ///
 /// Complexity: O(M N K).
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose transB,
@@ -67,8 +67,8 @@ TVNMATH_API System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA,
 /// A longer x is read in part and a longer y is written in part: the vectors must only not be too short
 /// (compatibility C47).
 ///
-/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short, by the shapes or for
-///         what the routine does with an unlisted Transpose; y is then as it was
+/// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short, by the shapes or
+///         for what the routine does with an unlisted Transpose; y is then as it was
 ///
 /// Complexity: O(rows columns).
 TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha,

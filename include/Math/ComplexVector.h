@@ -102,7 +102,7 @@ private:
 /// A vector that owns complex elements, each a real part followed by an imaginary part. It is no table: it
 /// has no shape and no orientation.
 ///
-/// Nothing is tested. A moved-from vector may only be destroyed or assigned to. Reading one vector from
+/// Nothing is checked. A moved-from vector may only be destroyed or assigned to. Reading one vector from
 /// several threads is safe, writing needs synchronisation. More than 2^60 - 1 elements are refused with
 /// std::length_error "vector too long", and memory that cannot be had throws std::bad_alloc.
 class TVNMATH_API ComplexVector : public System::Object {

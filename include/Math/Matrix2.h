@@ -77,8 +77,8 @@ public:
     /// @{
 
     /// The address of the first element of column `c`, so that `m[c][r]` is element (r, c): the column comes
-    /// first (compatibility C24). `m[i][j]` is the element that `m[Index(j, i)]` is, and with formulas of rows
-    /// and columns the transposed one.
+    /// first (compatibility C24). `m[i][j]` is the element that `m[Index(j, i)]` is, and with formulas of
+    /// rows and columns the transposed one.
     /// @pre `c` is below columns()
     double* operator[](std::size_t c) noexcept { return data() + c * rows(); }
     double const* operator[](std::size_t c) const noexcept { return data() + c * rows(); }

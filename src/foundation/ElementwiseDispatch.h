@@ -35,10 +35,10 @@ constexpr std::size_t shortestChunk(ElementCost cost) noexcept {
 namespace Kernels {
 
 /// @name The library's own loops
-/// The plain form is right for any overlap: the compiler vectorises it where ranges turn out to be disjoint
-/// and otherwise keeps the order, which can be seen when the output overlaps an input partly. It would keep
-/// the order for an output that coincides with an input too, where nobody can see it; hence the independent
-/// form.
+/// Both forms compute the same values. Their order shows only where the output overlaps an input in part:
+/// `inOrder` goes from the first element to the last there (compatibility C14). The compiler compares the
+/// addresses when the loop starts and uses vector registers where the ranges are apart. It would not where
+/// the output is the input itself, in which case the order does not show; `independent` tells it so.
 /// @{
 template<class In, class Out, class Op>
 void inOrder(In const* in, Out* out, std::size_t n, Op op) {

@@ -119,8 +119,8 @@ bool overlap(double const* a, std::size_t n, double const* b, std::size_t m) {
     return beginA < beginB + m * sizeof(double) && beginB < beginA + n * sizeof(double);
 }
 
-/// Interpolates at every element of `x` in its own storage, which the result takes over. Where the table lies in that storage, what a
-/// point gives depends on the points before it; then all go in order, on this thread.
+/// Interpolates at every element of `x` in its own storage, which the result takes over. Where the table lies
+/// in that storage, what a point gives depends on the points before it; then all go in order, on this thread.
 template<class Points>
 Points interpolated(Points& x, Table const& table) {
     using Access = Detail::AccessTo<Points>;

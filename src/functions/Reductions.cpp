@@ -18,11 +18,11 @@ double meanOf(double const* values, std::size_t n) noexcept {
     return total / static_cast<double>(n);
 }
 
-// The comparison of the standard search, which never takes a NaN, and in this order of its operands is one
-// instruction. Written over an array, because compilers turn that into registers of whatever width there is;
-// 32 running maxima cover the four cycles of latency at two instructions a cycle. All of them begin with the
-// first element, because the search stays at a NaN there: no element is above it. They forget which of
-// several equal elements came first.
+// `a < b ? b : a` is the comparison of std::max_element: it keeps a where b is a NaN, and is one instruction.
+// Two of these a cycle, of four cycles' latency, are eight registers of four lanes: 32 running maxima. They
+// are an array, because the compiler makes registers of any width of that. All of them start with the first
+// element, so that a NaN in front stays the result (compatibility C43): no element is above it. Which of
+// several equal elements came first is lost; that shows with 0.0 and -0.0 only, and maximumOf() mends it.
 //
 // @pre n is not 0
 TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {
@@ -46,7 +46,7 @@ double maximumOf(double const* values, std::size_t n) noexcept {
     if (n == 0)
         return std::numeric_limits<double>::quiet_NaN();
     double const largest = someMaximum(values, n);
-    // Only zeros are equal without being the same, and then the first one decides.
+    // 0.0 and -0.0 are equal and differ in their bits: the first of them is the result.
     return largest == 0.0 ? *std::find(values, values + n, 0.0) : largest;
 }
 

@@ -53,7 +53,7 @@ Product productOf(Transpose transA, Transpose transB, AnyMatrix const& A, AnyMat
     return {transA, transB, sizeOf(A), sizeOf(B)};
 }
 
-/// Whether the routine would read behind the end of an operand. The shapes take a Transpose that is not
+/// Whether the routine would read past the end of an operand. The shapes take a Transpose that is not
 /// listed for a transposition, the routine takes it for none: of an operand with more rows than columns it
 /// then reads columns that are not there, and the product when an operand has fewer it refuses.
 bool readsBeyond(Product const& product, double alpha) {

@@ -72,7 +72,7 @@ public:
         return *this;
     }
 
-    /// Asked here rather than by the allocator: most arrays that die have been moved from.
+    /// Most arrays that die have been moved from; asking here saves those the call.
     ~ElementArray() {
         if (_begin != nullptr)
             Allocator().deallocate(_begin, capacity());
