@@ -41,7 +41,7 @@ public:
     virtual std::size_t length() const;
 
     /// By default a column when size() has no more columns than rows, so an empty table and one of a single
-    /// element are columns.
+    /// element are columns (compatibility C83).
     virtual VectorOrientation orientation() const;
 
     /// The same as operator[](std::size_t), by name. By default it asks that.

@@ -150,7 +150,7 @@ public:
     void reserve(std::size_t n);
 
     /// Replaces all elements by the `n` pairs of a real and an imaginary part at `p`: 2n doubles, which must
-    /// not be elements of this vector.
+    /// not be elements of this vector (compatibility C85).
     void setData(double const* p, std::size_t n);
     /// @}
 

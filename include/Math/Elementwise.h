@@ -33,7 +33,7 @@ namespace Tervane::Math {
 ///
 /// No error is reported to the caller: outside a function's domain the element is what the scalar function
 /// returns, a NaN or an infinity. The run-time library's own report, `errno`, is made on the thread that
-/// computes the element.
+/// computes the element (compatibility C82).
 ///
 /// @throws std::bad_alloc when a new result cannot be allocated
 TVNMATH_API Vector2 abs(Vector2&& x);

@@ -183,7 +183,7 @@ public:
     /// @{
 
     /// In place, for every element of this vector, on the element-wise dispatch. The forms for any vector
-    /// read its elements in order from data().
+    /// read its elements in order from data() (compatibility C84).
     ///
     /// @pre `b` is not shorter than this vector; nothing checks this, so compare the lengths first
     Vector& operator+=(Vector const& b);

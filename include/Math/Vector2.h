@@ -159,7 +159,8 @@ public:
     /// @{
 
     /// Flips the sign of every element, so 0.0 becomes -0.0 (compatibility C33). Of an lvalue a new vector
-    /// with this one's length and orientation; of an rvalue in place, giving this vector back.
+    /// with this one's length and orientation; of an rvalue in place, giving this vector itself
+    /// (compatibility C81).
     Vector2 operator-() const&;
     Vector2& operator-() &&;
     /// @}

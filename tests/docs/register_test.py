@@ -83,7 +83,7 @@ def complete(project):
 def program(project, file):
     lines = ["// Made from docs/compatibility.md.", "#undef NDEBUG"]
     lines += [f"#include <{header}>" for header in (
-        "Math/Math.h", "System/System.h", "cassert", "cmath", "cstdint", "limits", "new", "stdexcept", "string",
+        "Math/Math.h", "System/System.h", "cassert", "cerrno", "cmath", "cstdint", "limits", "new", "stdexcept", "string",
         "type_traits", "utility")]
     lines += ["using namespace Tervane::Math;", "using namespace Tervane::System;"]
     run = []
