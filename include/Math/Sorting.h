@@ -18,10 +18,11 @@ namespace Tervane::Math {
 /// @{
 
 /// The elements in ascending order, in the argument's orientation. Equal elements, 0.0 and -0.0 among them,
-/// may change places. An rvalue lends its storage and is left empty; otherwise the result is new. Runs on the
+/// may change places, and every element comes back as it was, to the last bit. An rvalue lends its storage and is left empty; otherwise the result is new. Runs on the
 /// calling thread whatever the execution policy, in O(n log n).
 ///
-/// @pre No element is a NaN; where there are some, the order is unspecified.
+/// NaNs come last, in no order among themselves.
+///
 /// @throws std::bad_alloc when a new result cannot be allocated
 TVNMATH_API Vector2 sort(Vector2&& x);
 TVNMATH_API Vector2 sort(Vector2 const& x);

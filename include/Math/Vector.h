@@ -158,9 +158,8 @@ public:
     VectorOrientation orientation() const override;
     /// @}
 
-    /// Sorts the elements in ascending order, on the calling thread; equal elements in any order.
-    ///
-    /// @pre No element is a NaN.
+    /// Sorts the elements in ascending order, on the calling thread; equal elements in any order,
+    /// NaNs last.
     /// @return this vector
     Vector& sort();
 

@@ -4,8 +4,7 @@
 
 namespace Tervane::Math::Detail::Kernels {
 
-/// Puts the elements in ascending order. Equal ones may change places; NaNs go anywhere, but stay in the
-/// range.
+/// Puts the elements in ascending order, NaNs last. Equal ones may change places.
 void sort(double* values, std::size_t n);
 
 } // namespace Tervane::Math::Detail::Kernels

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <utility>
@@ -100,6 +101,43 @@ TEST(Sorting, NaNsCostNoElementAndTheRestIsInOrder) {
                      [](double x) { return !std::isnan(x); });
         EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
     }
+}
+
+TEST(Sorting, EveryBitPatternComesBackOnceAndNaNsComeLast) {
+    std::vector<double> patterns = specialValues(200);
+    std::uint64_t const extremes[] = {0x7ff0000000000001, 0x7fffffffffffffff, 0xfff0000000000001,
+                                      0xfff8000000000000, 0xffffffffffffffff, 0x8000000000000000,
+                                      0x0000000000000000, 0x0000000000000001, 0x8000000000000001,
+                                      0x7fefffffffffffff, 0xffefffffffffffff};
+    for (std::uint64_t const bits : extremes)
+        for (int copies = 0; copies < 3; ++copies)
+            patterns.push_back(fromBits(bits));
+    for (std::size_t const n :
+         {1U, 2U, 15U, 16U, 17U, 63U, 64U, 65U, 127U, 128U, 129U, 1000U, 16385U, 100'000U}) {
+        std::vector<double> input(n);
+        for (std::size_t i = 0; i < n; ++i)
+            input[i] = i % 3 == 0 ? fromBits(i * 0x9e3779b97f4a7c15) : patterns[i * 7919 % patterns.size()];
+        Vector2 const sorted = sort(Vector2(input.data(), n));
+        EXPECT_TRUE(sameBits(asMultiset(elementsOf(sorted)), asMultiset(input))) << n;
+        auto const isNumber = [](double x) {
+            return !std::isnan(x);
+        };
+        double const* const end = sorted.data() + n;
+        double const* const numbersEnd = std::find_if_not(sorted.data(), end, isNumber);
+        EXPECT_TRUE(std::is_sorted(sorted.data(), numbersEnd)) << n;
+        EXPECT_TRUE(std::none_of(numbersEnd, end, isNumber)) << n;
+        Vector legacy(input.data(), n);
+        legacy.sort();
+        EXPECT_TRUE(sameBits(elementsOf(legacy), elementsOf(sorted))) << n;
+    }
+}
+
+TEST(Sorting, LongVectorsAllocateNothing) {
+    std::vector<double> const values = ordinaryValues(50'000);
+    Vector2 x(values.data(), values.size());
+    FailingAllocations const failing(0);
+    Vector2 const sorted = sort(std::move(x));
+    EXPECT_TRUE(std::is_sorted(sorted.data(), sorted.data() + sorted.length()));
 }
 
 } // namespace Tervane::Math
