@@ -29,6 +29,12 @@ file(RELATIVE_PATH TVNMATH_PKGCONFIG_TO_PREFIX /prefix/${_pkgconfig_dir} /prefix
 configure_file(cmake/tvnmath.pc.in ${CMAKE_CURRENT_BINARY_DIR}/tvnmath.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tvnmath.pc DESTINATION ${_pkgconfig_dir} COMPONENT development)
 
+# How debuggers show the library's objects. gdb looks for a file of this name beside the library itself.
+install(FILES debugging/gdb_printers.py DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  RENAME $<TARGET_FILE_NAME:TVNMath>-gdb.py)
+install(FILES debugging/tvnmath.natvis debugging/valgrind.supp debugging/thread-sanitizer.supp
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/tvnmath COMPONENT development)
+
 # The licence, and the notices of what is compiled or linked into the libraries: oneMKL's archives, and templates of
 # oneTBB's headers. They come from where the dependency came from.
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tvnmath COMPONENT runtime)

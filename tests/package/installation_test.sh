@@ -3,7 +3,8 @@
 #
 #   installation_test.sh MATTER      one of the functions below
 #
-# CMake hands over in the environment: CMAKE, BUILD_DIR, WORK_DIR, COMPILER, PKG_CONFIG, PYTHON, VERSION.
+# CMake hands over in the environment: CMAKE, BUILD_DIR, WORK_DIR, COMPILER, PKG_CONFIG, PYTHON, GDB,
+# VALGRIND, VERSION.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # Installed here first and moved afterwards: nothing in it may remember the place, and blanks may not matter.
@@ -55,7 +56,7 @@ components() {
     done
     if grep -vE '/libTVN(Core|Math)\.so\.|/share/doc/' "$WORK_DIR/runtime.files"; then fail 'the runtime component holds more'; fi
     [ "$(grep -cE '/libTVN(Core|Math)\.so\.[0-9]+$' "$WORK_DIR/runtime.files")" = 2 ] || fail 'the runtime component lacks a library'
-    if grep -E '/libTVN(Core|Math)\.so\.' "$WORK_DIR/development.files"; then fail 'the development component holds libraries'; fi
+    if grep -E '/libTVN(Core|Math)\.so\.[0-9.]+$' "$WORK_DIR/development.files"; then fail 'the development component holds libraries'; fi
     diff <(sort "$WORK_DIR/runtime.files" "$WORK_DIR/development.files") <(cd "$prefix" && find . -not -type d | sort) \
         || fail 'the components are not the whole (left), or it is more than they are (right)'
 }
@@ -125,6 +126,36 @@ examples() {
     [ "$tried" -ge 3 ] || fail "$tried examples were tried"
     [ "$("$WORK_DIR/example quick_start/quick_start")" = '2 V at 50 kHz' ] || fail 'quick_start prints something else'
     "$WORK_DIR/example legacy/legacy_spectrum" >"$WORK_DIR/legacy.log" || fail 'legacy_spectrum fails'
+}
+
+# The installed library has no debug information; a program of the user's has.
+debugger() {
+    "$COMPILER" -std=c++20 -g -O0 "$here/../debugging/Program.cpp" -o "$WORK_DIR/debugged" -I"$prefix/include" \
+        -L"$(libdir)" -lTVNMath -lTVNCore "-Wl,-rpath,$(libdir)"
+    "$PYTHON" "$here/../debugging/printers_test.py" "$GDB" "$WORK_DIR/debugged" "$(libdir)"
+}
+
+# What the installed suppressions leave over is nothing, unless the program itself makes a mistake.
+memory_checkers() {
+    local flags=(-std=c++20 -g "$here/../debugging/Checked.cpp" -I"$prefix/include" -L"$(libdir)" -lTVNMath -lTVNCore
+        "-Wl,-rpath,$(libdir)") suppressions=$prefix/share/tvnmath log=$WORK_DIR/checked.log mistake
+    "$COMPILER" "${flags[@]}" -o "$WORK_DIR/checked"
+    "$COMPILER" "${flags[@]}" -fsanitize=thread -o "$WORK_DIR/checked_for_races"
+
+    for mistake in none leak; do
+        "$VALGRIND" --leak-check=full --show-leak-kinds=definite,possible --error-exitcode=99 \
+            --suppressions="$suppressions/valgrind.supp" "$WORK_DIR/checked" "$mistake" >"$log" 2>&1 || true
+        grep -qE 'ERROR SUMMARY: '"$([ $mistake = none ] && echo 0 || echo 1)"' errors' "$log" \
+            || { cat "$log" >&2; fail "valgrind on $mistake"; }
+    done
+    # The option takes no blanks.
+    cp "$suppressions/thread-sanitizer.supp" "$WORK_DIR"
+    (cd "$WORK_DIR" && TSAN_OPTIONS=suppressions=thread-sanitizer.supp ./checked_for_races >"$log" 2>&1) \
+        || { cat "$log" >&2; fail 'the thread sanitizer complains'; }
+    if (cd "$WORK_DIR" && TSAN_OPTIONS=suppressions=thread-sanitizer.supp ./checked_for_races race >"$log" 2>&1); then
+        fail 'the thread sanitizer does not see a race'
+    fi
+    grep -q 'SUMMARY: ThreadSanitizer: data race.*Checked.cpp' "$log" || { cat "$log" >&2; fail 'another race was reported'; }
 }
 
 # What find_package says to each request, for a version 1.x.y. A range means what it says.
