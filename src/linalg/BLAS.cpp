@@ -98,14 +98,14 @@ Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand
     return failure;
 }
 
-/// @name The elements that a vector has
+/// @name Whether a vector has no elements
 /// An empty view has length 1.
 /// @{
-std::size_t elementCount(Vector2 const& v) {
-    return v.length();
+bool isEmpty(Vector2 const& v, double const* /*elements*/) {
+    return v.length() == 0;
 }
-std::size_t elementCount(AbstractVector const& v) {
-    return v.rows() == 0 || v.columns() == 0 || v.data() == nullptr ? 0 : v.length();
+bool isEmpty(AbstractVector const& v, double const* elements) {
+    return elements == nullptr || v.rows() == 0 || v.columns() == 0;
 }
 /// @}
 
@@ -114,17 +114,20 @@ std::size_t elementCount(AbstractVector const& v) {
 template<class MatrixOperand, class VectorOperand, class Result>
 Failure gemvInto(Transpose trans, Dimensions const& a, double alpha, MatrixOperand const& A,
                  VectorOperand const& x, double beta, Result& y) {
-    if (x.length() < op(trans, a).columns() || y.length() < op(trans, a).rows())
+    std::size_t const lengthOfX = x.length();
+    std::size_t const lengthOfY = y.length();
+    if (lengthOfX < op(trans, a).columns() || lengthOfY < op(trans, a).rows() || !isWhole(A))
         return DimensionsMismatch;
+    double const* const elementsOfX = x.data();
     // A Transpose that is not listed counts as a transposition above, and to the routine as none.
     Dimensions const taken = OneMKL::isUnlisted(trans) ? a : op(trans, a);
     bool const hasElements = a.rows() != 0 && a.columns() != 0;
     bool const readsX = hasElements && alpha != 0.0;
     bool const writesY = hasElements && !(alpha == 0.0 && beta == 1.0);
-    if (!isWhole(A) || (readsX && elementCount(x) < taken.columns())
-        || (writesY && y.length() < taken.rows()))
+    if ((readsX && (lengthOfX < taken.columns() || isEmpty(x, elementsOfX)))
+        || (writesY && lengthOfY < taken.rows()))
         return DimensionsMismatch;
-    OneMKL::gemv(trans, a.rows(), a.columns(), alpha, A.data(), a.rows(), x.data(), beta, y.data());
+    OneMKL::gemv(trans, a.rows(), a.columns(), alpha, A.data(), a.rows(), elementsOfX, beta, y.data());
     return {};
 }
 
