@@ -53,6 +53,7 @@ void resumeKeptStorage(KeptStorage keptStorage) {
 constinit std::atomic<std::size_t> firstFault = unlimited;
 constinit std::atomic<std::size_t> lastFault = unlimited;
 constinit std::atomic<std::size_t> faultyHeapCount = 0;
+constinit std::size_t leastFaultyBytes = 0;
 
 void note(std::size_t bytes) {
     if (isCounting) {
@@ -97,7 +98,7 @@ namespace {
 bool mayAllocate(std::size_t bytes) {
     note(bytes);
     bool isFaulty = false;
-    if (firstFault != unlimited) {
+    if (firstFault != unlimited && bytes >= leastFaultyBytes) {
         std::size_t const number = ++faultyHeapCount;
         isFaulty = number >= firstFault && number <= lastFault;
     }
@@ -178,7 +179,8 @@ FailingAllocations::~FailingAllocations() {
     resumeKeptStorage(_keptStorage);
 }
 
-FaultyHeap::FaultyHeap(std::size_t n, Faults faults) {
+FaultyHeap::FaultyHeap(std::size_t n, Faults faults, std::size_t leastBytes) {
+    leastFaultyBytes = leastBytes;
     faultyHeapCount = 0;
     lastFault = faults == Faults::One ? n : unlimited;
     firstFault = n;

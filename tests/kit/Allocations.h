@@ -55,7 +55,9 @@ public:
     enum class Faults { One, AllFromThere };
 
     /// @param n the allocation that fails first, counted from 1
-    FaultyHeap(std::size_t n, Faults faults);
+    /// @param leastBytes only allocations of so many bytes are counted and fail, so that the large blocks of
+    /// elements can be told from everything else
+    FaultyHeap(std::size_t n, Faults faults, std::size_t leastBytes = 0);
     ~FaultyHeap();
 
     FaultyHeap(FaultyHeap const&) = delete;
