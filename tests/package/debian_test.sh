@@ -34,7 +34,8 @@ done
 bare=$work/bare
 dpkg-deb -x "$runtime" "$bare"
 [ -z "$(find "$bare" -name '*.h' -o -name '*.so' -o -name '*.cmake' -o -name '*.pc')" ] || fail 'development files are in the run-time package'
-for text in LICENSE:'MIT License' notices/oneMKL.txt:'Intel Simplified Software License' notices/oneTBB.txt:'Apache-2'; do
+for text in LICENSE:'MIT License' notices/oneMKL.txt:'Intel Simplified Software License' notices/oneTBB.txt:'Apache-2' \
+    notices/Highway.txt:'Apache-2'; do
     grep -qiF "${text#*:}" "$bare/usr/share/doc/tvnmath/${text%%:*}" || fail "${text%%:*} is missing"
 done
 
