@@ -42,7 +42,7 @@ struct Simulation {
 /// So a periodic circuit meets few step sizes again and again. At a corner the method starts anew with its
 /// first order.
 ///
-/// @param progress is called with the time in s, about a hundred times
+/// @param progress is called with the time, in s, at each corner of the sources
 Expected<Simulation, ErrorCode2> simulate(Circuit const& circuit, NewtonForm form,
                                           std::function<void(double)> const& progress, Place& place);
 

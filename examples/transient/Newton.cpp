@@ -20,6 +20,10 @@ namespace {
 // more.
 constexpr std::size_t mostLinearParts = 512;
 
+// What stays of each nonlinear branch in the linear rest. Any value gives the same solution; this one, in S, lies
+// between the conductances of a switch that is off and one that is on.
+constexpr double keptConductance = 1e-3;
+
 void clear(Matrix2& matrix) {
     std::fill_n(matrix.data(), matrix.rows() * matrix.columns(), 0.0);
 }
@@ -169,6 +173,13 @@ PortNewton::PortNewton(Circuit const& circuit, NodalEquations const& equations)
     _linearParts.reserve(mostLinearParts);
 }
 
+void PortNewton::formMatrix(double leading) {
+    formLinearPart(leading, _matrix);
+    for (Nonlinear const& element : _circuit.nonlinear) {
+        stampAdmittance(_matrix, element.branch, keptConductance);
+    }
+}
+
 Expected<PortNewton::LinearPart*, ErrorCode2> PortNewton::findLinearPart(Step const& step, Place& place) {
     std::size_t const n = _equations.order();
     std::size_t const ports = _circuit.nonlinear.size();
@@ -176,7 +187,7 @@ Expected<PortNewton::LinearPart*, ErrorCode2> PortNewton::findLinearPart(Step co
     if (known != _linearParts.end()) {
         LinearPart& part = known->second;
         if (part.inverse.rows() == 0) {
-            formLinearPart(step.leading, _matrix);
+            formMatrix(step.leading);
             part.inverse = Matrix2(n, n, 0.0);
             for (std::size_t i = 0; i < n; ++i) {
                 part.inverse[Index(i, i)] = 1.0;
@@ -189,7 +200,7 @@ Expected<PortNewton::LinearPart*, ErrorCode2> PortNewton::findLinearPart(Step co
         return &part;
     }
 
-    formLinearPart(step.leading, _matrix);
+    formMatrix(step.leading);
     clear(_rightHandSides);
     std::copy_n(_sources.data(), n, _rightHandSides[0]);
     for (std::size_t k = 0; k < ports; ++k) {
@@ -238,10 +249,10 @@ Expected<std::size_t, ErrorCode2> PortNewton::solve(Step const& step, Vector2& x
             auto const& [branch, gate, device] = elements[k];
             // A grounded source drives the gate, so the gate's voltage does not depend on the ports.
             Linearised const at = linearise(k, step, _voltages[k], voltageAcross({gate, ground}, _unloaded));
-            _conductances[k] = at.conductance;
+            _conductances[k] = at.conductance - keptConductance;
             _currents[k] = at.current - at.conductance * _voltages[k];
             for (std::size_t j = 0; j < ports; ++j) {
-                _portMatrix[Index(j, k)] = part.resistance[Index(j, k)] * at.conductance;
+                _portMatrix[Index(j, k)] = part.resistance[Index(j, k)] * _conductances[k];
             }
             _portMatrix[Index(k, k)] += 1.0;
             _portVoltages[k] = voltageAcross(branch, _unloaded);

@@ -19,7 +19,7 @@ struct Step {
     Vector2 const& history; ///< A and V: one for each equation, then one for each nonlinear element's charge
 };
 
-/// What a step is to be solved with, and what it cost.
+/// Newton's method for one step after another: what both forms share.
 class Newton {
 public:
     /// @param circuit and @p equations must outlive this object
@@ -77,7 +77,10 @@ private:
 ///
 /// With the nonlinear currents i pulled out of their branches, the linear rest gives x = x0 - Z i, with x0
 /// from the sources and Z from a unit current in each branch. Across the branches that leaves
-/// v + R i(v) = v0, a system as small as there are nonlinear elements. For a new step size the linear part is
+/// v + R i(v) = v0, a system as small as there are nonlinear elements. A conductance of each branch stays in
+/// the linear rest and is taken off i, since a node between two diodes would have nothing else to hold it.
+///
+/// For a new step size the linear part is
 /// solved once, with x0 and Z as right-hand sides. When a step size comes again, the inverse is formed and
 /// kept, and x0 is a product from then on.
 class PortNewton final : public Newton {
@@ -92,7 +95,10 @@ private:
         Matrix2 transfer;   ///< Z
         Matrix2 resistance; ///< R
     };
+    /// The part for the step's coefficient; x0 is solved for on the way.
     Expected<LinearPart*, ErrorCode2> findLinearPart(Step const& step, Place& place);
+    /// Makes the matrix of the linear rest.
+    void formMatrix(double leading);
 
     std::unordered_map<double, LinearPart> _linearParts;
     Matrix2 _matrix;

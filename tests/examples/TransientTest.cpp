@@ -277,6 +277,20 @@ TEST_F(TransientExample, ADiodeClampsAtItsCurve) {
     EXPECT_NEAR(volts, vt * std::log1p((1000.0 - volts) / 1e6 / 1e-9), 1e-6);
 }
 
+TEST_F(TransientExample, DiodesHoldTheNodeBetweenThem) {
+    // Of 2 V across two equal diodes and 1 kohm, both forms give each diode the same share.
+    Circuit const circuit = circuitOf("V1 in 0 2\nR1 in out 1k\nD1 out mid d\nD2 mid 0 d\n.model d D(IS=1n)\n"
+                                      "C1 out 0 1p");
+    double const vt = 1.380649e-23 * 300.15 / 1.602176634e-19;
+    for (NewtonForm const form : {NewtonForm::Whole, NewtonForm::Ports}) {
+        auto const simulation = simulate(
+            circuit, form, [](double) {}, place);
+        ASSERT_TRUE(simulation) << describe(place, simulation.error());
+        double const volts = simulation->waveforms.values[0].back();
+        EXPECT_NEAR(volts, 2.0 * vt * std::log1p((2.0 - volts) / 1e3 / 1e-9), 1e-6);
+    }
+}
+
 TEST_F(TransientExample, TheDepletionChargeIsTheIntegralOfTheCapacitance) {
     Diode const diode{.saturationCurrent = 1e-6,
                       .emissionCoefficient = 1.05,
