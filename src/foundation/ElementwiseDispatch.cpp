@@ -1,5 +1,7 @@
 #include "foundation/ElementwiseDispatch.h"
 
+#include "foundation/LaneReduction.h"
+
 namespace Tervane::Math {
 
 namespace {
@@ -23,20 +25,36 @@ TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) 
     return total;
 }
 
-// For the chunks of a parallel sum, whose order is not fixed: two additions a cycle of four cycles' latency
-// are eight registers. Then memory is the bound.
-TVNMATH_MULTIVERSION double sumInAnyOrder(double const* values, std::size_t n) noexcept {
-    constexpr std::size_t registers = 8;
-    constexpr std::size_t block = 4 * registers;
-    FourLanes lanes[registers] = {};
-    std::size_t i = 0;
-    for (; i + block <= n; i += block)
-        for (std::size_t r = 0; r < registers; ++r)
-            lanes[r] += *reinterpret_cast<FourLanes const*>(values + i + 4 * r);
-    FourLanes total = {};
-    for (std::size_t r = 0; r < registers; ++r)
-        total += lanes[r];
-    return ((total[0] + total[2]) + (total[1] + total[3])) + sumInFourLanes(values + i, n - i);
+TVNMATH_MULTIVERSION double sumOfBlock(double const* values, std::size_t n) noexcept {
+    return Detail::reduceInLanes(values, n, 0.0, [](double a, double b) { return a + b; });
+}
+
+// The blocks of a sum under the parallel policies depend on its length alone, so that it has the same bits
+// whoever sums them. The shortest are worth handing to another thread; there are never more than can be kept
+// without an allocation, which are enough to go round.
+constexpr std::size_t shortestBlock = 8'192;
+constexpr std::size_t mostBlocks = 256;
+
+// A sum writes nothing and is over sooner than other work on as many elements: measured like the other limits.
+constexpr std::size_t shortestParallelSum = 131'072;
+
+std::size_t blockLengthFor(std::size_t n) noexcept {
+    std::size_t length = shortestBlock;
+    while (n > mostBlocks * length)
+        length *= 2;
+    return length;
+}
+
+// Neighbours first, then neighbours of these; an odd one waits for the next round.
+double joinedInATree(double* sums, std::size_t count) noexcept {
+    while (count > 1) {
+        for (std::size_t pair = 0; pair < count / 2; ++pair)
+            sums[pair] = sums[2 * pair] + sums[2 * pair + 1];
+        if (count % 2 != 0)
+            sums[count / 2] = sums[count - 1];
+        count = (count + 1) / 2;
+    }
+    return sums[0];
 }
 
 } // namespace
@@ -57,15 +75,21 @@ double* ElementwiseDispatch::fill(double* first, double* last, double value) {
 double ElementwiseDispatch::sum(double const* first, double const* last) {
     auto const n = static_cast<std::size_t>(last - first);
     AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
-    if (!isParallel(policy, Detail::ElementCost::Streaming, n))
+    if (policy != Parallel && policy != ParallelUnsequenced)
         return sumInFourLanes(first, n);
-    std::array<double, Detail::maximumChunks> partial;
-    std::size_t const chunks =
-        Detail::parallelFor(policy, n, Detail::shortestChunk(Detail::ElementCost::Streaming),
-                            [first, &partial](std::size_t chunk, std::size_t begin, std::size_t end) {
-                                partial[chunk] = sumInAnyOrder(first + begin, end - begin);
-                            });
-    return sumInFourLanes(partial.data(), chunks);
+    if (n <= shortestBlock)
+        return sumOfBlock(first, n);
+    std::size_t const length = blockLengthFor(n);
+    std::array<double, mostBlocks> sums;
+    auto const sumBlocks = [=, &sums](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; i += length)
+            sums[i / length] = sumOfBlock(first + i, std::min(length, end - i));
+    };
+    if (n >= shortestParallelSum)
+        Detail::parallelFor(policy, n, shortestBlock, sumBlocks, length);
+    else
+        sumBlocks(0, 0, n);
+    return joinedInATree(sums.data(), (n + length - 1) / length);
 }
 
 } // namespace Tervane::Math

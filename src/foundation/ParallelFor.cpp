@@ -51,8 +51,8 @@ private:
 } // namespace
 
 std::size_t parallelFor(AlgorithmExecutionPolicy policy, std::size_t n, std::size_t shortestChunk,
-                        ChunkBody body) {
-    return runInChunks(n, shortestChunk, mostUsefulChunks(), body,
+                        ChunkBody body, std::size_t granule) {
+    return runInChunks(n, granule, shortestChunk, mostUsefulChunks(), body,
                        [policy](std::size_t chunks, auto const& work) {
                            if (chunks < 2 || !parallelRuntimeIsReady())
                                return;

@@ -61,7 +61,7 @@ private:
 inline constexpr std::size_t maximumChunks = 128;
 
 /// Cuts the range [0, n) into at most `mostChunks` chunks of at least `shortestChunk` elements and runs
-/// `body` once for each. Chunks begin at multiples of 8, so that no two of them share a cache line of
+/// `body` once for each. Chunks begin at multiples of `granule`; of 8, and no two of them share a cache line of
 /// doubles.
 ///
 /// `spread(count, work)` is to call work(), which does not throw, on as many threads as it likes, at most one
@@ -74,13 +74,13 @@ inline constexpr std::size_t maximumChunks = 128;
 /// @return the number of chunks that the range was cut into
 /// @throws what the body threw for the first chunk, in their order, for which it did
 template<class Spread>
-std::size_t runInChunks(std::size_t n, std::size_t shortestChunk, std::size_t mostChunks, ChunkBody body,
-                        Spread const& spread) {
+std::size_t runInChunks(std::size_t n, std::size_t granule, std::size_t shortestChunk, std::size_t mostChunks,
+                        ChunkBody body, Spread const& spread) {
     std::size_t const atMost = std::clamp<std::size_t>(mostChunks, 1, maximumChunks);
     std::size_t const wanted =
         std::clamp<std::size_t>(n / std::max<std::size_t>(shortestChunk, 1), 1, atMost);
     std::size_t const evenShare = (n + wanted - 1) / wanted;
-    std::size_t const chunkLength = std::max<std::size_t>((evenShare + 7) / 8 * 8, 8);
+    std::size_t const chunkLength = std::max((evenShare + granule - 1) / granule * granule, granule);
     std::size_t const count = (n + chunkLength - 1) / chunkLength;
 
     std::atomic<std::size_t> next{0};
@@ -110,6 +110,6 @@ std::size_t runInChunks(std::size_t n, std::size_t shortestChunk, std::size_t mo
 ///
 /// @param policy Parallel or ParallelUnsequenced
 std::size_t parallelFor(AlgorithmExecutionPolicy policy, std::size_t n, std::size_t shortestChunk,
-                        ChunkBody body);
+                        ChunkBody body, std::size_t granule = 8);
 
 } // namespace Tervane::Math::Detail

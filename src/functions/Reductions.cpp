@@ -1,4 +1,5 @@
 #include "foundation/ElementwiseDispatch.h"
+#include "foundation/LaneReduction.h"
 #include "foundation/Multiversion.h"
 #include "legacy/Access.h"
 
@@ -19,27 +20,13 @@ double meanOf(double const* values, std::size_t n) noexcept {
 }
 
 // `a < b ? b : a` is the comparison of std::max_element: it keeps a where b is a NaN, and is one instruction.
-// Two of these a cycle, of four cycles' latency, are eight registers of four lanes: 32 running maxima. They
-// are an array, because the compiler makes registers of any width of that. All of them start with the first
-// element, so that a NaN in front stays the result (compatibility C43): no element is above it. Which of
-// several equal elements came first is lost; that shows with 0.0 and -0.0 only, and maximumOf() mends it.
+// All running maxima start with the first element, so that a NaN in front stays the result (compatibility C43):
+// no element is above it. Which of several equal elements came first is lost; that shows with 0.0 and -0.0 only,
+// and maximumOf() mends it.
 //
 // @pre n is not 0
 TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {
-    constexpr std::size_t lanes = 32;
-    double largest = values[0];
-    double running[lanes];
-    for (std::size_t lane = 0; lane < lanes; ++lane)
-        running[lane] = largest;
-    std::size_t i = 0;
-    for (; i + lanes <= n; i += lanes)
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-            running[lane] = running[lane] < values[i + lane] ? values[i + lane] : running[lane];
-    for (std::size_t lane = 0; lane < lanes; ++lane)
-        largest = largest < running[lane] ? running[lane] : largest;
-    for (; i < n; ++i)
-        largest = largest < values[i] ? values[i] : largest;
-    return largest;
+    return Detail::reduceInLanes(values, n, values[0], [](double a, double b) { return a < b ? b : a; });
 }
 
 double maximumOf(double const* values, std::size_t n) noexcept {

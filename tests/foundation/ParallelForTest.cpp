@@ -40,6 +40,22 @@ TEST(ParallelFor, VisitsEveryElementOnceInChunksOfWholeCacheLines) {
             }
 }
 
+TEST(ParallelFor, BeginsChunksAtMultiplesOfTheGranule) {
+    for (std::size_t const granule : std::initializer_list<std::size_t>{8, 100, 1'024, 5'000, 20'000})
+        for (AlgorithmExecutionPolicy const policy : parallelPolicies) {
+            std::atomic<std::size_t> visited = 0;
+            parallelFor(
+                policy, 10'001, 8,
+                [&](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+                    EXPECT_EQ(begin % granule, 0u);
+                    EXPECT_TRUE(end % granule == 0 || end == 10'001);
+                    visited += end - begin;
+                },
+                granule);
+            EXPECT_EQ(visited, 10'001u);
+        }
+}
+
 TEST(ParallelFor, GivesNoChunkLessThanTheShortestButTheLast) {
     parallelFor(Parallel, 10'000, 3'000, [](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
         EXPECT_TRUE(end - begin >= 3'000 || end == 10'000);
@@ -51,7 +67,7 @@ TEST(ParallelFor, FinishesOnTheCallingThreadWhatTheRuntimeDidNotRun) {
     auto const expectEveryElementOnce = [](auto const& spread) {
         std::vector<int> visits(10'000);
         std::size_t const count = runInChunks(
-            visits.size(), 8, 16,
+            visits.size(), 8, 8, 16,
             [&](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
                 for (std::size_t i = begin; i < end; ++i)
                     ++visits[i];

@@ -11,8 +11,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -50,7 +52,57 @@ double sumFromTheLeft(std::vector<double> const& x) {
     return total;
 }
 
+double sumOfBlock(std::span<double const> x) {
+    std::size_t const rounds = x.size() / 32, eights = x.size() / 8;
+    double r[32] = {}, s[8];
+    for (std::size_t i = 0; i < 32 * rounds; ++i)
+        r[i % 32] += x[i];
+    for (std::size_t k = 0; k < 8; ++k)
+        s[k] = (r[k] + r[k + 8]) + (r[k + 16] + r[k + 24]);
+    for (std::size_t i = 32 * rounds; i < 8 * eights; ++i)
+        s[i % 8] += x[i];
+    double total = ((s[0] + s[4]) + (s[2] + s[6])) + ((s[1] + s[5]) + (s[3] + s[7]));
+    for (std::size_t i = 8 * eights; i < x.size(); ++i)
+        total += x[i];
+    return total;
+}
+
+double sumInBlocks(std::vector<double> const& x) {
+    std::size_t length = 8'192;
+    while ((x.size() + length - 1) / length > 256)
+        length *= 2;
+    std::vector<double> sums;
+    for (std::size_t i = 0; i < x.size(); i += length)
+        sums.push_back(sumOfBlock(std::span(x).subspan(i, std::min(length, x.size() - i))));
+    while (sums.size() > 1) {
+        std::vector<double> joined;
+        for (std::size_t i = 0; i < sums.size(); i += 2)
+            joined.push_back(i + 1 < sums.size() ? sums[i] + sums[i + 1] : sums[i]);
+        sums = joined;
+    }
+    return sums.empty() ? 0.0 : sums[0];
+}
+
 } // namespace
+
+TYPED_TEST(Reductions, SumHasTheSameBitsUnderBothParallelPolicies) {
+    std::vector<std::size_t> lengths = awkwardLengthsAround(parallelLimit);
+    for (std::size_t n = 0; n < 140; ++n)
+        lengths.push_back(n);
+    for (std::size_t const block : {std::size_t{8'192}, std::size_t{16 * 8'192}, std::size_t{256 * 8'192}})
+        lengths.insert(lengths.end(), {block - 1, block, block + 1, block + 45});
+    std::size_t ordersToldApart = 0;
+    for (std::size_t const n : lengths) {
+        SCOPED_TRACE("length " + std::to_string(n));
+        std::vector<double> const values = ordinaryValues(n);
+        double const expected = sumInBlocks(values);
+        ordersToldApart += expected != sumInFourLanes(values) ? 1 : 0;
+        auto const x = TypeParam::column(values);
+        forEachPolicyOf(std::array{Parallel, ParallelUnsequenced},
+                        [&] { EXPECT_TRUE(sameBits(sum(x), expected)); });
+    }
+    EXPECT_GT(ordersToldApart, lengths.size() / 4);
+}
 
 TYPED_TEST(Reductions, SumHasFourLanesUnderTheSerialPolicies) {
     for (std::size_t const n : awkwardLengthsAround(parallelLimit)) {
