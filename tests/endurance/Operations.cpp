@@ -250,7 +250,7 @@ void addFunctions(Table& table) {
     table.add("legacy log10 and sqrt", [](Operands const& o) { return log10(sqrt(abs(o.oldA))); });
     table.add("legacy pow", [](Operands const& o) { return pow(o.oldA, -2); });
     table.add("legacy magnitude", [](Operands const& o) { return abs(o.oldZ); });
-    // The order of a parallel sum is not fixed.
+    // The parallel policies have an order of their own for sums.
     table.add(
         "sum", [](Operands const& o) { return sum(o.a); }, false);
     table.add(
