@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/HandOver.h"
+
 #include <Math/ExecutionPolicy.h>
 
 #include <algorithm>
@@ -22,15 +24,18 @@ public:
         : _body(std::addressof(body)),
           _call([](void const* b, std::size_t chunk, std::size_t first, std::size_t last) {
               (*static_cast<Body const*>(b))(chunk, first, last);
-          }) {}
+          }),
+          _handOver(_body) {}
 
     void operator()(std::size_t chunk, std::size_t first, std::size_t last) const {
+        HandOver::Share const share(_handOver);
         _call(_body, chunk, first, last);
     }
 
 private:
     void const* _body;
     void (*_call)(void const*, std::size_t, std::size_t, std::size_t);
+    [[no_unique_address]] HandOver _handOver;
 };
 
 /// Keeps of the exceptions that chunks end with the one that a single thread, which runs them in their order,
