@@ -315,7 +315,9 @@ void legacyVectors(Input& input) {
             require(part.data() == v.data() + from && part.orientation() == v.orientation(),
                     "a part of a view");
             require(part.length() == std::max(part.rows(), part.columns())
-                        && part.end() == part.begin() + part.length(),
+                        && reinterpret_cast<std::uintptr_t>(part.end())
+                               == reinterpret_cast<std::uintptr_t>(part.begin())
+                                      + part.length() * sizeof(double),
                     "a view's length");
             require(n == 0 || part.length() == n, "the length of a part");
             break;

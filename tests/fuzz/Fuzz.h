@@ -11,6 +11,7 @@
 #include "kit/SpecialValues.h"
 
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -137,7 +138,8 @@ inline void requireSameValues(std::span<double const> actual, std::span<double c
                               char const* what) {
     require(actual.size() == expected.size(), what);
     for (std::size_t i = 0; i < actual.size(); ++i)
-        if (!(std::isnan(actual[i]) && std::isnan(expected[i])))
+        if (std::bit_cast<std::uint64_t>(actual[i]) != std::bit_cast<std::uint64_t>(expected[i])
+            && !(std::isnan(actual[i]) && std::isnan(expected[i])))
             require(TestKit::sameBits(actual[i], expected[i]), what);
 }
 

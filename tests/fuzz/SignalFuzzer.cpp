@@ -77,6 +77,8 @@ void windows(Input& input) {
     auto const last = static_cast<double>(n - 1);
     auto const length = static_cast<std::size_t>(std::max(n, 0));
     constexpr double twoPi = 6.283185307179586;
+    double const volatile square =
+        2.0; // the general power function, which may round otherwise than a product
     std::vector<double> hann(length);
     std::vector<double> hamming(length);
     std::vector<double> blackman(length);
@@ -91,7 +93,7 @@ void windows(Input& input) {
         }
         for (std::size_t i = 0; i < (length + 1) / 2; ++i) {
             double const c = std::cos(static_cast<double>(i) * twoPi / last);
-            blackman[i] = (0.42 - 0.5 * c) + 0.08 * (2.0 * (c * c) - 1.0);
+            blackman[i] = (0.42 - 0.5 * c) + 0.08 * (std::pow(c, square) * 2.0 - 1.0);
             blackman[length - 1 - i] = blackman[i];
         }
     }

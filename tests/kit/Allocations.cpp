@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #    define TVNMATH_HEAP_IS_SANITIZED 1
@@ -202,7 +203,16 @@ bool FailingAllocations::areSupported() {
 #if defined(TVNMATH_HEAP_IS_SANITIZED)
     return false;
 #else
-    return true;
+    // Whether the functions above are the ones that a program calls: valgrind takes their place.
+    static bool const isOurs = [] {
+        bool const wasCounting = std::exchange(isCounting, true);
+        std::size_t const before = allocationCount;
+        void* volatile const p = std::malloc(1);
+        std::free(p);
+        isCounting = wasCounting;
+        return std::exchange(allocationCount, before) != before;
+    }();
+    return isOurs;
 #endif
 }
 

@@ -41,7 +41,7 @@ public:
     FailingAllocations(FailingAllocations const&) = delete;
     FailingAllocations& operator=(FailingAllocations const&) = delete;
 
-    /// False in the sanitizers' builds, whose heap cannot be made to fail.
+    /// False in the sanitizers' builds and under valgrind, whose heap cannot be made to fail.
     static bool areSupported();
 
 private:
