@@ -528,7 +528,7 @@ void legacyMatrices(Input& input) {
             }
             break;
         default:
-            if (!model.elements.empty() && model.rows != 0 && isWhole) {
+            if (model.rows * model.columns != 0 && isWhole) {
                 std::size_t const k = input.below(model.rows * model.columns);
                 model.elements[k] = input.value();
                 m.set(k % model.rows, k / model.rows, model.elements[k]);
