@@ -56,14 +56,14 @@ public:
         return *this;
     }
 
-    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a value goes through, nothing is released
     /// Becomes a copy of `other`.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a value goes through, nothing is released
     ComplexRef const& operator=(ComplexRef const& other) const noexcept {
         return *this = std::complex<double>(other);
     }
 
-    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a value goes through, nothing is released
     /// Becomes a copy of `other`.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a value goes through, nothing is released
     ComplexRef& operator=(ComplexRef const& other) noexcept {
         static_cast<ComplexRef const&>(*this) = other;
         return *this;
