@@ -1,41 +1,58 @@
-"""Turns the results of a benchmark program into ratios and plots.
+"""Turns the results of benchmark programs into ratios and plots.
 
-    bench_report.py RESULTS.json
+    bench_report.py RESULTS.json [MORE.json…]
 
 Prints, for each subject and length, the median time of every side and how many times longer each of the library's sides
-takes than each reference; draws one plot for each subject, beside the results, with the experiment's conditions.
+takes than each reference; draws one plot for each subject, beside the first file, with the smallest, the middle and the
+largest time of all rounds and the experiment's conditions. Matrix operations are drawn over the order of the matrix, in
+operations per second.
 """
 
 import collections
 import json
 import pathlib
+import re
 import statistics
 import subprocess
 import sys
 
 LIBRARY_SIDES = ["inline", "default", "library", "legacy"]
+# Floating-point operations of one call, by the order of the matrix.
+FLOATING_POINT_OPERATIONS = {
+    "Gemm": lambda n: 2.0 * n**3,
+    "Gemv": lambda n: 2.0 * n**2,
+    "Gesv": lambda n: 2.0 / 3.0 * n**3 + 2.0 * n**2,
+}
+# More than this on each core, and the machine was not there for the measurement alone.
+BUSY = 0.5
 
 
-def read_times(results):
-    """{subject: {length: {side: median nanoseconds}}}"""
-    samples = collections.defaultdict(list)
+def read_times(paths):
+    """{subject: {length: {side: sorted nanoseconds}}} and the first file's context"""
+    times = collections.defaultdict(lambda: collections.defaultdict(lambda: collections.defaultdict(list)))
     to_nanoseconds = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-    for run in results["benchmarks"]:
-        if run.get("run_type", "iteration") != "iteration" or run.get("error_occurred"):
-            continue
-        words = [word for word in run["run_name"].split("/") if word != "real_time"]
-        length = int(words.pop()) if words[-1].isdigit() else 0
-        subject, side = "/".join([words[0], *words[2:]]), words[1].lower()
-        samples[subject, length, side].append(run["real_time"] * to_nanoseconds[run["time_unit"]])
-    times = collections.defaultdict(lambda: collections.defaultdict(dict))
-    for (subject, length, side), values in samples.items():
-        times[subject][length][side] = statistics.median(values)
-    return times
+    context = None
+    for path in paths:
+        results = json.loads(path.read_text(encoding="utf-8"))
+        context = context or results["context"]
+        for run in results["benchmarks"]:
+            if run.get("run_type", "iteration") != "iteration" or run.get("error_occurred"):
+                continue
+            words = [word for word in run["run_name"].split("/") if word != "real_time"]
+            length = int(words.pop()) if words[-1].isdigit() else 0
+            subject, side = "/".join([words[0], *words[2:]]), words[1].lower()
+            times[subject][length][side].append(run["real_time"] * to_nanoseconds[run["time_unit"]])
+    for by_length in times.values():
+        for by_side in by_length.values():
+            for samples in by_side.values():
+                samples.sort()
+    return times, context
 
 
 def report(times):
     for subject, by_length in times.items():
-        for length, by_side in sorted(by_length.items()):
+        for length, samples in sorted(by_length.items()):
+            by_side = {side: statistics.median(values) for side, values in samples.items()}
             ours = [side for side in LIBRARY_SIDES if side in by_side]
             references = [side for side in by_side if side not in LIBRARY_SIDES]
             columns = [f"{side} {by_side[side]:.4g} ns" for side in references + ours]
@@ -45,12 +62,38 @@ def report(times):
             print(f"{subject:24} {length or '':>9}  {', '.join(columns)}  |  {', '.join(ratios)}")
 
 
-def conditions(context):
-    compiler = subprocess.run(["c++", "--version"], capture_output=True, text=True, check=False).stdout.split("\n")[0]
+def output_of(*command):
+    run = subprocess.run(command, capture_output=True, text=True, check=False)
+    return run.stdout.strip() if run.returncode == 0 else ""
+
+
+def load_of(context):
+    return context.get("load_avg", [0.0])[0] / context["num_cpus"]
+
+
+def conditions(context, rounds):
+    """The caption's lines."""
     model = next(
         (line.split(":")[1].strip() for line in open("/proc/cpuinfo", encoding="utf-8") if "model name" in line), "CPU"
     )
-    return f"{context['num_cpus']} cores of {model}, {compiler}, {context['date'][:10]}, medians of 5"
+    packages = ("libmkl-dev", "libeigen3-dev", "libtbb-dev")
+    versions = [f"{name} {output_of('dpkg-query', '-W', '-f=${Version}', name)}" for name in packages]
+    load = load_of(context)
+    lines = [
+        f"{context['num_cpus']} cores of {model}, {context['date'][:10]}, smallest, median and largest of {rounds} rounds",
+        f"commit {output_of('git', 'describe', '--always', '--dirty') or 'unknown'}, "
+        f"{output_of('c++', '--version').splitlines()[0]} -O3 (references -O3 -march=native), {', '.join(versions)}",
+        f"load when it began: {load:.2f} a core",
+    ]
+    if load > BUSY:
+        lines[-1] += " - THE MACHINE WAS BUSY, ratios only"
+    return lines
+
+
+def file_name(stem, subject):
+    words = {"+": " plus ", "*": " times ", "-": " minus ", "=": " assign ", "/": " "}
+    spelled = "".join(words.get(character, character) for character in subject)
+    return f"{stem}-{'-'.join(re.findall('[A-Za-z0-9_]+', spelled))}"
 
 
 def draw(times, context, folder, stem):
@@ -58,36 +101,49 @@ def draw(times, context, folder, stem):
         lengths = sorted(length for length in by_length if length > 0)
         if len(lengths) < 2:
             continue
+        operations = FLOATING_POINT_OPERATIONS.get(subject.split("/")[0])
+        # A time becomes what is drawn: nanoseconds for each element, or 10^9 operations a second.
+        shown = (lambda n, t: operations(n) / t) if operations else (lambda n, t: t / n)
         sides = sorted({side for by_side in by_length.values() for side in by_side})
-        data = folder / f"{stem}-{subject.replace('/', '-')}.dat"
-        rows = [
-            " ".join([str(length)] + [str(by_length[length].get(side, "NaN")) for side in sides]) for length in lengths
-        ]
+        data = folder / f"{file_name(stem, subject)}.dat"
+        rows = []
+        for length in lengths:
+            row = [str(length)]
+            for side in sides:
+                samples = by_length[length].get(side)
+                values = sorted(shown(length, t) for t in samples) if samples else [float("nan")]
+                row += [f"{value:.6g}" for value in (statistics.median(values), values[0], values[-1])]
+            rows.append(" ".join(row))
         data.write_text("\n".join(rows) + "\n", encoding="utf-8")
-        curves = ", ".join(
-            f"'{data}' using 1:(${column}/$1) with linespoints title '{side}'" for column, side in enumerate(sides, 2)
-        )
+        curves = []
+        for i, side in enumerate(sides):
+            middle = 2 + 3 * i
+            style = "dashtype 2 linecolor 'black'" if side == "limit" else f"linecolor {i + 1}"
+            curves.append(f"'{data}' using 1:{middle} with lines {style} title '{side}'")
+            curves.append(f"'{data}' using 1:{middle}:{middle + 1}:{middle + 2} with yerrorbars pointtype 7 {style} notitle")
+        rounds = max(len(samples) for by_side in by_length.values() for samples in by_side.values())
+        caption = "\\n".join([subject, *conditions(context, rounds)]).replace('"', "")
         commands = f"""
-            set terminal pngcairo size 900,600
+            set terminal pngcairo size 1000,640 font ',9'
             set output '{data.with_suffix(".png")}'
-            set title "{subject}\\n{{/*0.7 {conditions(context)}}}" noenhanced
-            set title enhanced
+            set title "{caption}" noenhanced
             set logscale xy
-            set xlabel 'elements'
-            set ylabel 'nanoseconds per element'
-            set key outside right
+            set xlabel '{"order of the matrix" if operations else "elements"}'
+            set ylabel '{"GFLOP/s" if operations else "nanoseconds per element"}'
+            set key outside right noenhanced
             set grid
-            plot {curves}
+            plot {", ".join(curves)}
         """
         subprocess.run(["gnuplot"], input=commands, text=True, check=True)
 
 
 def main():
-    path = pathlib.Path(sys.argv[1])
-    results = json.loads(path.read_text(encoding="utf-8"))
-    times = read_times(results)
+    paths = [pathlib.Path(argument) for argument in sys.argv[1:]]
+    times, context = read_times(paths)
+    if load_of(context) > BUSY:
+        print(f"warning: {load_of(context):.2f} other programs a core when this began; only ratios mean anything")
     report(times)
-    draw(times, results["context"], path.parent, path.stem)
+    draw(times, context, paths[0].parent, paths[0].stem)
 
 
 main()
