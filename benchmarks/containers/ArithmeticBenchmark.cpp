@@ -3,6 +3,7 @@
 // ahead under the default policy.
 
 #include "EigenReference.h"
+#include "OtherReferences.h"
 
 #include <Math/ComplexVector2.h>
 #include <Math/ExecutionPolicy.h>
@@ -82,8 +83,10 @@ void complexScaled(benchmark::State& state) {
 using Benchmark = void (*)(benchmark::State&);
 
 void registerSides(std::string const& subject, Benchmark library, Benchmark eigen) {
-    for (long const n : {4, 16, 64, 256, 1'024, 4'096, 16'384, 65'536, 131'072, 1'000'000, 4'000'000}) {
+    for (long const n :
+         {4, 16, 64, 256, 1'024, 4'096, 16'384, 65'536, 131'072, 1'000'000, 4'000'000, 8'000'000}) {
         benchmark::RegisterBenchmark((subject + "/eigen").c_str(), eigen)->Arg(n)->UseRealTime();
+        OtherReferences::registerSides(subject, n);
         for (auto const& [side, policy] :
              {std::pair("inline", Inline), std::pair("default", ParallelUnsequenced)})
             benchmark::RegisterBenchmark((subject + "/" + side).c_str(),
