@@ -21,7 +21,8 @@ using Detail::VectorData;
 
 using DataPointer = System::UniquePointer<System::ObjectData>;
 
-// The elements come first in all of these, so that a length is refused before anything is allocated.
+// Callers make the elements first and the data object last, so a length that is refused is refused before
+// anything is allocated.
 DataPointer dataOf(RealArray&& elements, VectorOrientation orientation) {
     return DataPointer(new VectorData(std::move(elements), orientation));
 }

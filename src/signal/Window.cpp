@@ -58,11 +58,12 @@ Vector raisedCosine(int N) {
 }
 
 int onePointMore(int N) {
-    // Unsigned, because the largest number wraps to the smallest, of which the window is empty.
+    // Unsigned, because signed overflow is undefined. The largest number wraps to the smallest, and the
+    // window of that many points is empty.
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(N) + 1U);
 }
 
-/// Of an empty window, length - 1 is the largest size there is, and the resize throws.
+/// Of an empty window, length - 1 is the largest size there is, and the resize throws (compatibility C61).
 Vector withoutLastPoint(Vector w) {
     w.resize(w.length() - 1, 1.0);
     return w;
