@@ -5,7 +5,6 @@
 #include <mkl_service.h>
 #include <pthread.h>
 
-#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -17,6 +16,10 @@
 extern "C" {
 
 int omp_in_parallel();
+int omp_get_dynamic();
+int omp_get_max_active_levels();
+int omp_get_num_threads();
+int omp_get_thread_limit();
 void GOMP_parallel(void (*body)(void*), void* data, unsigned threads, unsigned flags);
 
 #    if defined(TVNMATH_ONEMKL_INTEL_THREAD)
@@ -75,11 +78,29 @@ std::size_t stackSize() noexcept {
 #    endif
 }
 
+/// Whether the runtime makes every team as large as it is asked to. It does not where the host, or a variable of the
+/// environment such as OMP_DYNAMIC, lets it adjust.
+bool givesFullTeams() noexcept {
+    return omp_get_dynamic() == 0 && omp_get_max_active_levels() > 0;
+}
+
+/// Lets the runtime start the calling thread's team, and says whether it has so many threads.
+bool startTeam(std::size_t threads) noexcept {
+    if (static_cast<std::size_t>(omp_get_thread_limit()) < threads)
+        return false;
+    std::atomic<int> size = 0;
+    auto const tellSize = [](void* told) {
+        static_cast<std::atomic<int>*>(told)->store(omp_get_num_threads(), std::memory_order_relaxed);
+    };
+    GOMP_parallel(tellSize, &size, static_cast<unsigned>(threads), 0);
+    return static_cast<std::size_t>(size.load()) == threads;
+}
+
 /// Whether oneMKL may use its threads on behalf of the calling one. Starts them when they are not there yet.
 bool hasTeam() noexcept {
     unsigned const now = generation.load(std::memory_order_relaxed);
     if (startedIn == now)
-        return true;
+        return givesFullTeams();
 #    if defined(TVNMATH_ONEMKL_GNU_THREAD)
     // GNU's runtime waits in a child for its parent's threads, for ever.
     if (now != 0)
@@ -87,12 +108,13 @@ bool hasTeam() noexcept {
 #    endif
     if (!hasMemory(runtimeMemory) || !tellOfForks())
         return false;
-    if (omp_in_parallel() != 0) // the host's own parallel region, in which oneMKL uses one thread
+    // In the host's own parallel region oneMKL uses one thread.
+    if (omp_in_parallel() != 0 || !givesFullTeams())
         return false;
     auto const threads = static_cast<std::size_t>(mkl_get_max_threads());
-    if (threads < 2 || !hasMemory(threads * memoryPerThread) || !threadsCanBeHad(threads - 1, stackSize()))
+    if (threads < 2 || !hasMemory(threads * memoryPerThread) || !threadsCanBeHad(threads - 1, stackSize())
+        || !startTeam(threads))
         return false;
-    GOMP_parallel([](void*) {}, nullptr, static_cast<unsigned>(threads), 0);
     startedIn = now;
     return true;
 }

@@ -16,6 +16,14 @@ extern "C" __attribute__((visibility("default"))) bool compute() {
     if (!product || (*product)[order - 1][order - 1] != static_cast<double>(order))
         return false;
 
+    // One more on the diagonal than beside it: the solution is all ones.
+    Matrix2 system = ones;
+    for (std::size_t i = 0; i < order; ++i)
+        system[i][i] = 2.0;
+    Vector2 solution(order, static_cast<double>(order + 1));
+    if (!LAPACK::gesv(system, solution) || std::abs(solution[order - 1] - 1.0) > 1e-9)
+        return false;
+
     Vector2 const sines = sin(zeros(100000));
     if (sum(sines) != 0.0)
         return false;
