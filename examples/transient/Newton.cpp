@@ -20,8 +20,8 @@ namespace {
 // more.
 constexpr std::size_t mostLinearParts = 512;
 
-// What stays of each nonlinear branch in the linear rest. Any value gives the same solution; this one, in S, lies
-// between the conductances of a switch that is off and one that is on.
+// What stays of each nonlinear branch in the linear rest. Any value gives the same solution; this one, in S,
+// lies between the conductances of a switch that is off and one that is on.
 constexpr double keptConductance = 1e-3;
 
 void clear(Matrix2& matrix) {

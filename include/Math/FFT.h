@@ -16,11 +16,11 @@
 /// Complexity: O(n log n). Each call sets up a transform of its own, so calls may run on any threads at once;
 /// oneMKL may use threads of its own inside a call.
 ///
-/// The rounding errors stay near 1e-15 of the largest sample, with one exception, which is oneMKL's: on processors with
-/// AVX-512, even lengths that are neither powers of two nor made of small primes only lose digits, the more
-/// the longer they are. There and back again, samples within 1 in magnitude came back within 8e-15 at 102, 3e-12
-/// at 93,944 and 3e-11 at 799,928. Where that matters, take a power of two or an odd length, or set
-/// `MKL_ENABLE_INSTRUCTIONS=AVX2` in the environment: 2e-15 at 799,928.
+/// The rounding errors stay near 1e-15 of the largest sample, with one exception, which is oneMKL's: on
+/// processors with AVX-512, even lengths that are neither powers of two nor made of small primes only lose
+/// digits, the more the longer they are. There and back again, samples within 1 in magnitude came back within
+/// 8e-15 at 102, 3e-12 at 93,944 and 3e-11 at 799,928. Where that matters, take a power of two or an odd
+/// length, or set `MKL_ENABLE_INSTRUCTIONS=AVX2` in the environment: 2e-15 at 799,928.
 
 #include <Math/ComplexVector2.h>
 #include <Math/Export.h>

@@ -18,8 +18,8 @@
 /// Everything is solved in place: the drivers overwrite their arguments. Each call takes the workspace that
 /// the driver asks for and releases it on every path. There is one right-hand side, which is never resized.
 /// Calls on different containers may run on any threads at once; oneMKL may use threads of its own inside a
-/// call. A host that has unmasked floating-point exceptions is not trapped inside a driver: those underflow, and for an A
-/// that is not of full rank overflow too, on the way to their results.
+/// call. A host that has unmasked floating-point exceptions is not trapped inside a driver: those underflow,
+/// and for an A that is not of full rank overflow too, on the way to their results.
 ///
 /// What a driver refuses comes back as `InvalidParameter`, what it could not compute as another code; in both
 /// cases the arguments hold what the driver left in them. When a check before the driver fails they are

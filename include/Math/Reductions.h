@@ -24,15 +24,15 @@ namespace Tervane::Math {
 
 /// The sum of the elements; 0.0 for none.
 ///
-/// The execution policy decides its order, which is fixed under each, so that a sum has the same bits on every
-/// machine.
+/// The execution policy decides its order, which is fixed under each, so that a sum has the same bits on
+/// every machine.
 ///
 /// Under `Parallel` and `ParallelUnsequenced`, alike and whatever the number of threads: blocks of 8,192
-/// elements, or of the next power of two that makes at most 256 blocks. In each block 32 running sums over the
-/// elements whose index in the block is 0, 1, ..., 31 modulo 32, for as many whole rounds as it has; they are
-/// joined to 8, s[k] = (r[k] + r[k + 8]) + (r[k + 16] + r[k + 24]), which go on with what is left in eights; those
-/// to 4, t[k] = s[k] + s[k + 4], and to one, (t[0] + t[2]) + (t[1] + t[3]); the up to seven elements left over are
-/// added one at a time. The sums of the blocks are joined in a tree, neighbours first.
+/// elements, or of the next power of two that makes at most 256 blocks. In each block 32 running sums over
+/// the elements whose index in the block is 0, 1, ..., 31 modulo 32, for as many whole rounds as it has; they
+/// are joined to 8, s[k] = (r[k] + r[k + 8]) + (r[k + 16] + r[k + 24]), which go on with what is left in
+/// eights; those to 4, t[k] = s[k] + s[k + 4], and to one, (t[0] + t[2]) + (t[1] + t[3]); the up to seven
+/// elements left over are added one at a time. The sums of the blocks are joined in a tree, neighbours first.
 ///
 /// Under any other policy: four running sums over the elements whose index is 0, 1, 2, 3 modulo 4, joined as
 /// `0.0 + ((s0 + s2) + (s1 + s3))`, then the up to three elements left over. Compatibility C12 describes the

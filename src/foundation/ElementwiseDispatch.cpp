@@ -35,7 +35,8 @@ TVNMATH_MULTIVERSION double sumOfBlock(double const* values, std::size_t n) noex
 constexpr std::size_t shortestBlock = 8'192;
 constexpr std::size_t mostBlocks = 256;
 
-// A sum writes nothing and is over sooner than other work on as many elements: measured like the other limits.
+// A sum writes nothing and is over sooner than other work on as many elements: measured like the other
+// limits.
 constexpr std::size_t shortestParallelSum = 131'072;
 
 std::size_t blockLengthFor(std::size_t n) noexcept {

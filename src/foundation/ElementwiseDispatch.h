@@ -147,8 +147,8 @@ public:
     /// The sum of the elements, 0.0 for none.
     ///
     /// In the serial order, which compatibility C12 describes, under every policy that is not parallel. Under
-    /// the parallel policies it is another, which the length alone decides as well: blocks, each summed in up to
-    /// 32 running sums, joined in a tree.
+    /// the parallel policies it is another, which the length alone decides as well: blocks, each summed in up
+    /// to 32 running sums, joined in a tree.
     static double sum(double const* first, double const* last);
 
 private:

@@ -6,10 +6,10 @@ namespace Tervane::Math::Detail {
 
 /// Joins elements by an operation on two of them, in an order that depends on their number alone.
 ///
-/// From 32 elements on they are dealt out to 32 running results, what is left of them in eights to 8, and the rest
-/// is joined one at a time; the running results are joined in a tree. Written over arrays, because compilers turn
-/// that into registers of whatever width there is: 32 cover the four cycles of latency at two instructions a
-/// cycle, and 8 are little to set up for short ranges. All of them begin with `start`.
+/// From 32 elements on they are dealt out to 32 running results, what is left of them in eights to 8, and the
+/// rest is joined one at a time; the running results are joined in a tree. Written over arrays, because
+/// compilers turn that into registers of whatever width there is: 32 cover the four cycles of latency at two
+/// instructions a cycle, and 8 are little to set up for short ranges. All of them begin with `start`.
 ///
 /// To be called from a multiversioned function, into which it is inlined.
 template<class Operation>

@@ -78,8 +78,8 @@ std::size_t stackSize() noexcept {
 #    endif
 }
 
-/// Whether the runtime makes every team as large as it is asked to. It does not where the host, or a variable of the
-/// environment such as OMP_DYNAMIC, lets it adjust.
+/// Whether the runtime makes every team as large as it is asked to. It does not where the host, or a variable
+/// of the environment such as OMP_DYNAMIC, lets it adjust.
 bool givesFullTeams() noexcept {
     return omp_get_dynamic() == 0 && omp_get_max_active_levels() > 0;
 }

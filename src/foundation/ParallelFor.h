@@ -66,8 +66,8 @@ private:
 inline constexpr std::size_t maximumChunks = 128;
 
 /// Cuts the range [0, n) into at most `mostChunks` chunks of at least `shortestChunk` elements and runs
-/// `body` once for each. Chunks begin at multiples of `granule`; of 8, and no two of them share a cache line of
-/// doubles.
+/// `body` once for each. Chunks begin at multiples of `granule`; of 8, and no two of them share a cache line
+/// of doubles.
 ///
 /// `spread(count, work)` is to call work(), which does not throw, on as many threads as it likes, at most one
 /// for each of the `count` chunks. Each of them takes the next chunk as long as there is one. What is left

@@ -20,9 +20,9 @@ double meanOf(double const* values, std::size_t n) noexcept {
 }
 
 // `a < b ? b : a` is the comparison of std::max_element: it keeps a where b is a NaN, and is one instruction.
-// All running maxima start with the first element, so that a NaN in front stays the result (compatibility C43):
-// no element is above it. Which of several equal elements came first is lost; that shows with 0.0 and -0.0 only,
-// and maximumOf() mends it.
+// All running maxima start with the first element, so that a NaN in front stays the result (compatibility
+// C43): no element is above it. Which of several equal elements came first is lost; that shows with 0.0 and
+// -0.0 only, and maximumOf() mends it.
 //
 // @pre n is not 0
 TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {

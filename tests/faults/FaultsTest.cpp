@@ -1,7 +1,7 @@
-// Memory runs out at every point of every public operation: at the n-th allocation alone, and at the n-th and all
-// after it; of everything, and of the large blocks that hold elements; in a process that has performed the operation
-// before and in one that has not; on the calling thread and under a parallel policy. Nothing may crash, end the process,
-// hang, print or leak; what fails fails as promised, and the next call is right.
+// Memory runs out at every point of every public operation: at the n-th allocation alone, and at the n-th and
+// all after it; of everything, and of the large blocks that hold elements; in a process that has performed
+// the operation before and in one that has not; on the calling thread and under a parallel policy. Nothing
+// may crash, end the process, hang, print or leak; what fails fails as promised, and the next call is right.
 //
 // The long form (TVNMATH_TESTS=all) looks at every point in fresh processes too, the short one at some.
 #include "faults/Operations.h"
@@ -251,7 +251,8 @@ int walkAllPoints(Operation const& operation, std::vector<double> const& expecte
 }
 
 /// One point in a process that has not performed the operation before.
-/// @param crashesLeft how many crashes of the parallel runtime's start are still put up with: it calls dlopen, in
+/// @param crashesLeft how many crashes of the parallel runtime's start are still put up with: it calls
+///         dlopen, in
 /// which the C library follows a null pointer when memory ends at one certain allocation
 /// @return whether an allocation failed, so that there may be more points
 bool lookAtPointCold(Operation const& operation, std::vector<double> const& expected, std::size_t point,
@@ -274,8 +275,8 @@ void lookCold(Operation const& operation, std::vector<double> const& expected,
               AlgorithmExecutionPolicy policy) {
     int crashesLeft = isLongForm() && policy != Inline ? 1 : 0;
     for (bool const andAllAfter : {false, true}) {
-        // While it starts, the OpenMP runtime ends the process or hangs when memory fails that was there just before.
-        // That it is not there at all is found out first.
+        // While it starts, the OpenMP runtime ends the process or hangs when memory fails that was there just
+        // before. That it is not there at all is found out first.
         if (operation.startsOpenMP)
             lookAtPointCold(operation, expected, 1, andAllAfter, crashesLeft);
         else if (isLongForm())
@@ -307,7 +308,8 @@ void look(AlgorithmExecutionPolicy policy, AddOperations addOperations) {
             continue;
         ++operations;
         std::vector<double> const expected = referenceOf(operation);
-        // A failed transform of the current generation keeps its descriptor, and workers take memory when they like.
+        // A failed transform of the current generation keeps its descriptor, and workers take memory when
+        // they like.
         bool const mayCompareHeap =
             policy == Inline && !operation.startsOpenMP && operation.name.find("fft") == std::string::npos;
         auto const warm =

@@ -25,7 +25,7 @@ enum class Promise {
     Throws,       ///< throws std::bad_alloc
     ReturnsError, ///< gives an error and never throws
     SetsError,    ///< sets the caller's legacy error; an exception may leave only once that is set
-    LeavesResult, ///< the legacy transforms: throws std::bad_alloc for its result, and else gives that as it was made
+    LeavesResult, ///< the legacy transforms: throws std::bad_alloc for its result, else gives that as made
 };
 
 /// What becomes of the arguments.
@@ -34,7 +34,8 @@ enum class Arguments {
     Used, ///< also a call that failed may have used them up
 };
 
-/// The length of vectors: short for calls on one thread, long enough for the parallel policies to spread them.
+/// The length of vectors: short for calls on one thread, long enough for the parallel policies to spread
+/// them.
 extern std::size_t length;
 
 /// One operation on arguments of its own.

@@ -27,7 +27,8 @@ protected:
     RaceDetectionDeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
 };
 
-/// Adds to one number from two threads. They wait for each other by relaxed accesses, which order nothing else.
+/// Adds to one number from two threads. They wait for each other by relaxed accesses, which order nothing
+/// else.
 void countWithoutSynchronisation() {
     static thread_local bool hasCome = false;
     std::atomic<int> threads = 0;

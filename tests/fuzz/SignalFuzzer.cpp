@@ -43,8 +43,8 @@ void transforms(Input& input) {
             "both generations' transforms");
 
     using Long = std::complex<long double>;
-    // In the norm of the whole, as the error of a transform by stages is bounded: oneMKL loses a few digits in single bins
-    // of lengths with a large prime factor.
+    // In the norm of the whole, as the error of a transform by stages is bounded: oneMKL loses a few digits
+    // in single bins of lengths with a large prime factor.
     long double const relative = 48.0L * 0x1p-53L * (2.0L + std::log2(static_cast<long double>(n) + 1.0L));
     long double error2 = 0.0L;
     long double size2 = 0.0L;

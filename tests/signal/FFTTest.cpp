@@ -389,8 +389,8 @@ TEST(FourierStatus, MapsNoneToDataSizeTooLarge) {
     }
 }
 
-// On processors with AVX-512 oneMKL loses digits at even lengths with a large prime factor; the header says how many.
-// A power of two of the same size shows that it is the length.
+// On processors with AVX-512 oneMKL loses digits at even lengths with a large prime factor; the header says
+// how many. A power of two of the same size shows that it is the length.
 TEST(FFT, RoundTripLosesNoMoreDigitsThanTold) {
     auto const roundTripError = [](std::size_t n) {
         Vector2 const samples = vectorOf(ordinaryValues(n, 7));
