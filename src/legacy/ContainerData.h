@@ -16,8 +16,23 @@ struct VectorData final : System::ObjectData {
     VectorData(RealArray elements, VectorOrientation o) noexcept
         : values(std::move(elements)), orientation(o) {}
 
+    /// @name Storage
+    /// A result's data object lives no longer than its elements, and its storage is kept for the next one as
+    /// theirs is.
+    /// @{
+    static void* operator new(std::size_t bytes) { return RecyclingAllocator().allocate(doublesIn(bytes)); }
+    static void operator delete(void* p, std::size_t bytes) noexcept {
+        RecyclingAllocator().deallocate(static_cast<double*>(p), doublesIn(bytes));
+    }
+    /// @}
+
     RealArray values;
     VectorOrientation orientation = Column;
+
+private:
+    static constexpr std::size_t doublesIn(std::size_t bytes) noexcept {
+        return (bytes + sizeof(double) - 1) / sizeof(double);
+    }
 };
 
 /// What a ViewVector owns: where someone else's elements are.
