@@ -252,8 +252,7 @@ int walkAllPoints(Operation const& operation, std::vector<double> const& expecte
 
 /// One point in a process that has not performed the operation before.
 /// @param crashesLeft how many crashes of the parallel runtime's start are still put up with: it calls
-///         dlopen, in
-/// which the C library follows a null pointer when memory ends at one certain allocation
+///        dlopen, in which the C library follows a null pointer when memory ends at one certain allocation
 /// @return whether an allocation failed, so that there may be more points
 bool lookAtPointCold(Operation const& operation, std::vector<double> const& expected, std::size_t point,
                      bool andAllAfter, int& crashesLeft) {
