@@ -36,7 +36,7 @@ install(FILES debugging/tvnmath.natvis debugging/valgrind.supp debugging/thread-
   DESTINATION ${CMAKE_INSTALL_DATADIR}/tvnmath COMPONENT development)
 
 # The licence, and the notices of what is compiled or linked into the libraries: oneMKL's archives, and templates of
-# oneTBB's headers. They come from where the dependency came from.
+# oneTBB's and Highway's headers. They come from where the dependency came from.
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tvnmath COMPONENT runtime)
 function(tvnmath_install_notice name variable)
   if(${variable})
@@ -61,6 +61,8 @@ endif()
 tvnmath_install_notice(oneMKL TVNMATH_ONEMKL_LICENSE)
 find_file(TVNMATH_ONETBB_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libtbb-dev DOC "oneTBB's licence")
 tvnmath_install_notice(oneTBB TVNMATH_ONETBB_LICENSE)
+find_file(TVNMATH_HIGHWAY_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libhwy-dev DOC "Highway's licence")
+tvnmath_install_notice(Highway TVNMATH_HIGHWAY_LICENSE)
 # Its sort is compiled into the library.
 find_file(TVNMATH_HIGHWAY_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libhwy-dev
   DOC "Highway's licence")
