@@ -63,9 +63,5 @@ find_file(TVNMATH_ONETBB_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/shar
 tvnmath_install_notice(oneTBB TVNMATH_ONETBB_LICENSE)
 find_file(TVNMATH_HIGHWAY_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libhwy-dev DOC "Highway's licence")
 tvnmath_install_notice(Highway TVNMATH_HIGHWAY_LICENSE)
-# Its sort is compiled into the library.
-find_file(TVNMATH_HIGHWAY_LICENSE NAMES copyright NO_DEFAULT_PATH PATHS /usr/share/doc/libhwy-dev
-  DOC "Highway's licence")
-tvnmath_install_notice(Highway TVNMATH_HIGHWAY_LICENSE)
 
 include(cmake/Package.cmake)

@@ -16,7 +16,7 @@ for program in "$@"; do
     result=0
     # Children of death tests end as they are meant to, with what they had.
     valgrind --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect --num-callers=30 \
-        --child-silent-after-fork=yes --suppressions="$here/valgrind.supp" --log-file="$log" \
+        --child-silent-after-fork=yes --suppressions="$here/../../debugging/valgrind.supp" --log-file="$log" \
         "$program" --gtest_brief=1 --gtest_filter="$filter" >/dev/null 2>&1 || result=$?
     if ! grep -q 'ERROR SUMMARY: 0 errors' "$log"; then
         printf '%s: valgrind reports errors (exit code %s)\n' "$program" "$result" >&2
