@@ -1,6 +1,6 @@
 // Highway compiles this file once for each instruction set, by including it again. Its headers alone are used,
-// nothing of its libraries: so the choice among the instruction sets is made here, and the headers' checks,
-// which would need its abort function, are left out.
+// nothing of its libraries: so the choice among the instruction sets is made here, the headers' checks are left
+// out, and what they still refer to is defined here.
 #include "functions/KeySort.h"
 
 // Of two generations of vector instructions, without the extensions of theirs that no sort needs. What is older
@@ -46,6 +46,12 @@ HWY_AFTER_NAMESPACE();
 void hwy::Sorter::Fill24Bytes(void const* /*heap*/, std::size_t /*length*/, void* bytes) {
     static constexpr std::uint64_t seed[3] = {0x243f6a8885a308d3, 0x13198a2e03707344, 0xa4093822299f31d0};
     std::memcpy(bytes, seed, sizeof(seed));
+}
+
+/// What the headers call where other types of keys would have lanes that these have not. Nothing gets here, but
+/// an unoptimised build refers to it.
+void hwy::Abort(char const* /*file*/, int /*line*/, char const* /*format*/, ...) {
+    __builtin_trap();
 }
 
 namespace Tervane::Math::Detail {
