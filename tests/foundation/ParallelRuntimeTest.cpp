@@ -37,6 +37,15 @@ pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*rout
     return create(thread, attributes, routine, argument);
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+extern "C" __attribute__((visibility("default"))) char const* __lsan_default_suppressions();
+
+/// A task group that could not be handed on is never released, since it would wait for ever.
+char const* __lsan_default_suppressions() {
+    return "leak:stockThisThread\n";
+}
+#endif
+
 namespace Tervane::Math {
 
 namespace {
