@@ -18,8 +18,9 @@ namespace Tervane::Math {
 /// @{
 
 /// The elements in ascending order, in the argument's orientation. Equal elements, 0.0 and -0.0 among them,
-/// may change places, and every element comes back as it was, to the last bit. An rvalue lends its storage and is left empty; otherwise the result is new. Runs on the
-/// calling thread whatever the execution policy, in O(n log n).
+/// may change places, and every element comes back as it was, to the last bit. An rvalue lends its storage
+/// and is left empty; otherwise the result is new. Runs on the calling thread whatever the execution policy,
+/// in O(n log n).
 ///
 /// NaNs come last, in no order among themselves.
 ///

@@ -1,10 +1,10 @@
-// Highway compiles this file once for each instruction set, by including it again. Its headers alone are used,
-// nothing of its libraries: so the choice among the instruction sets is made here, the headers' checks are left
-// out, and what they still refer to is defined here.
+// Highway compiles this file once for each instruction set, by including it again. Its headers alone are
+// used, nothing of its libraries: so the choice among the instruction sets is made here, the headers' checks
+// are left out, and what they still refer to is defined here.
 #include "functions/KeySort.h"
 
-// Of two generations of vector instructions, without the extensions of theirs that no sort needs. What is older
-// has no advantage over the standard sort that would be worth its code.
+// Of two generations of vector instructions, without the extensions of theirs that no sort needs. What is
+// older has no advantage over the standard sort that would be worth its code.
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SSE4)
 #define HWY_DISABLE_PCLMUL_AES
 #define HWY_DISABLE_F16C
@@ -48,8 +48,8 @@ void hwy::Sorter::Fill24Bytes(void const* /*heap*/, std::size_t /*length*/, void
     std::memcpy(bytes, seed, sizeof(seed));
 }
 
-/// What the headers call where other types of keys would have lanes that these have not. Nothing gets here, but
-/// an unoptimised build refers to it.
+/// What the headers call where other types of keys would have lanes that these have not. Nothing gets here,
+/// but an unoptimised build refers to it.
 void hwy::Abort(char const* /*file*/, int /*line*/, char const* /*format*/, ...) {
     __builtin_trap();
 }

@@ -17,8 +17,8 @@ namespace Tervane::Math {
 
 namespace {
 
-// From here on sorting vectors of keys repays making them: measured where it draws level with the standard sort,
-// on random elements.
+// From here on sorting vectors of keys repays making them: measured where it draws level with the standard
+// sort, on random elements.
 constexpr std::size_t shortestSortedByKeys = 64;
 
 // The keys are integers in the order of the elements, -0.0 before 0.0, with the NaNs behind infinity: each

@@ -1,5 +1,5 @@
-// A program for memory checkers and the thread sanitizer: it uses every runtime under the library, from two threads, and
-// makes a mistake of its own when asked to.
+// A program for memory checkers and the thread sanitizer: it uses every runtime under the library, from two
+// threads, and makes a mistake of its own when asked to.
 
 #include <Math/Math.h>
 
