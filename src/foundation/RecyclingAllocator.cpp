@@ -91,7 +91,7 @@ constexpr std::size_t mostBytesKept = [] {
 
 static_assert(classOf(RecyclingAllocator::longestKept) == classCount - 1);
 static_assert(elementsOf(classCount - 1) == RecyclingAllocator::longestKept);
-static_assert(mostBytesKept == 868 * 1'024, "the header says so");
+static_assert(mostBytesKept == std::size_t{868} * 1'024, "the header says so");
 
 /// A kept block, which holds the link to the next one.
 struct Block {
