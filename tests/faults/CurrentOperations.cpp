@@ -10,16 +10,7 @@ using namespace Tervane;
 using namespace Tervane::Math;
 using namespace Tervane::Math::Faults;
 
-// An operation is an expression and the arguments that it holds.
-#define OPERATION(promise, kept, expression, ...)                                                            \
-    table.add(                                                                                               \
-        "current " #expression, Promise::promise,                                                            \
-        [] {                                                                                                 \
-            return [__VA_ARGS__]([[maybe_unused]] System::ErrorCode& error) mutable -> decltype(auto) {      \
-                return expression;                                                                           \
-            };                                                                                               \
-        },                                                                                                   \
-        Arguments::kept)
+constexpr char const* kind = "current";
 
 // a and b are vectors, w is a view of another, d, i and z are scalars.
 #define A a = vector2(1)

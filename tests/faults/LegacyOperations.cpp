@@ -11,15 +11,7 @@ using namespace Tervane::Math;
 using namespace Tervane::Math::Faults;
 using namespace Tervane::Math::SignalProcessing;
 
-#define OPERATION(promise, kept, expression, ...)                                                            \
-    table.add(                                                                                               \
-        "legacy " #expression, Promise::promise,                                                             \
-        [] {                                                                                                 \
-            return [__VA_ARGS__]([[maybe_unused]] System::ErrorCode& error) mutable -> decltype(auto) {      \
-                return expression;                                                                           \
-            };                                                                                               \
-        },                                                                                                   \
-        Arguments::kept)
+constexpr char const* kind = "legacy";
 
 #define A a = vector(1)
 #define B b = vector(2)

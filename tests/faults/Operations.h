@@ -212,3 +212,14 @@ ComplexVector complexVector(int seed);
 /// @}
 
 } // namespace Tervane::Math::Faults
+
+/// Adds an operation to `table`: an expression, and the arguments that it holds. Its name begins with `kind`.
+#define OPERATION(promise, kept, expression, ...)                                                            \
+    table.add(                                                                                               \
+        std::string(kind) + " " #expression, Promise::promise,                                               \
+        [] {                                                                                                 \
+            return [__VA_ARGS__]([[maybe_unused]] System::ErrorCode& error) mutable -> decltype(auto) {      \
+                return expression;                                                                           \
+            };                                                                                               \
+        },                                                                                                   \
+        Arguments::kept)

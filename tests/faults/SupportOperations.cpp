@@ -7,15 +7,7 @@ namespace Tervane::Math::Faults {
 
 namespace {
 
-#define OPERATION(promise, kept, expression, ...)                                                            \
-    table.add(                                                                                               \
-        "support " #expression, Promise::promise,                                                            \
-        [] {                                                                                                 \
-            return [__VA_ARGS__]([[maybe_unused]] System::ErrorCode& error) mutable -> decltype(auto) {      \
-                return expression;                                                                           \
-            };                                                                                               \
-        },                                                                                                   \
-        Arguments::kept)
+constexpr char const* kind = "support";
 
 using Result = System::Expected<Vector2, System::ErrorCode2>;
 
