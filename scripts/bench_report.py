@@ -17,19 +17,15 @@ import subprocess
 import sys
 
 LIBRARY_SIDES = ["inline", "default", "library", "legacy"]
-# Floating-point operations of one call, by the order of the matrix.
-FLOATING_POINT_OPERATIONS = {
-    "Gemm": lambda n: 2.0 * n**3,
-    "Gemv": lambda n: 2.0 * n**2,
-    "Gesv": lambda n: 2.0 / 3.0 * n**3 + 2.0 * n**2,
-}
 # More than this on each core, and the machine was not there for the measurement alone.
 BUSY = 0.5
 
 
 def read_times(paths):
-    """{subject: {length: {side: sorted nanoseconds}}} and the first file's context"""
+    """{subject: {length: {side: sorted nanoseconds}}}, {subject: {length: floating-point operations of one call}} where
+    the limit's results tell, and the first file's context"""
     times = collections.defaultdict(lambda: collections.defaultdict(lambda: collections.defaultdict(list)))
+    operations = collections.defaultdict(dict)
     to_nanoseconds = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
     context = None
     for path in paths:
@@ -38,15 +34,17 @@ def read_times(paths):
         for run in results["benchmarks"]:
             if run.get("run_type", "iteration") != "iteration" or run.get("error_occurred"):
                 continue
-            words = [word for word in run["run_name"].split("/") if word != "real_time"]
+            words = [word for word in run["run_name"].split("/") if word != "real_time" and not word.startswith("threads:")]
             length = int(words.pop()) if words[-1].isdigit() else 0
             subject, side = "/".join([words[0], *words[2:]]), words[1].lower()
+            if "operations" in run:
+                operations[subject][length] = run["operations"]
             times[subject][length][side].append(run["real_time"] * to_nanoseconds[run["time_unit"]])
     for by_length in times.values():
         for by_side in by_length.values():
             for samples in by_side.values():
                 samples.sort()
-    return times, context
+    return times, operations, context
 
 
 def report(times):
@@ -96,14 +94,14 @@ def file_name(stem, subject):
     return f"{stem}-{'-'.join(re.findall('[A-Za-z0-9_]+', spelled))}"
 
 
-def draw(times, context, folder, stem):
+def draw(times, operations, context, folder, stem):
     for subject, by_length in times.items():
         lengths = sorted(length for length in by_length if length > 0)
         if len(lengths) < 2:
             continue
-        operations = FLOATING_POINT_OPERATIONS.get(subject.split("/")[0])
         # A time becomes what is drawn: nanoseconds for each element, or 10^9 operations a second.
-        shown = (lambda n, t: operations(n) / t) if operations else (lambda n, t: t / n)
+        counted = operations.get(subject)
+        shown = (lambda n, t: counted[n] / t) if counted else (lambda n, t: t / n)
         sides = sorted({side for by_side in by_length.values() for side in by_side})
         data = folder / f"{file_name(stem, subject)}.dat"
         rows = []
@@ -128,8 +126,8 @@ def draw(times, context, folder, stem):
             set output '{data.with_suffix(".png")}'
             set title "{caption}" noenhanced
             set logscale xy
-            set xlabel '{"order of the matrix" if operations else "elements"}'
-            set ylabel '{"GFLOP/s" if operations else "nanoseconds per element"}'
+            set xlabel '{"order of the matrix" if counted else "elements"}'
+            set ylabel '{"GFLOP/s" if counted else "nanoseconds per element"}'
             set key outside right noenhanced
             set grid
             plot {", ".join(curves)}
@@ -139,11 +137,11 @@ def draw(times, context, folder, stem):
 
 def main():
     paths = [pathlib.Path(argument) for argument in sys.argv[1:]]
-    times, context = read_times(paths)
+    times, operations, context = read_times(paths)
     if load_of(context) > BUSY:
         print(f"warning: {load_of(context):.2f} other programs a core when this began; only ratios mean anything")
     report(times)
-    draw(times, context, paths[0].parent, paths[0].stem)
+    draw(times, operations, context, paths[0].parent, paths[0].stem)
 
 
 main()

@@ -4,6 +4,7 @@
 
 #include "EigenReference.h"
 #include "OtherReferences.h"
+#include "limits/Limits.h"
 
 #include <Math/ComplexVector2.h>
 #include <Math/ExecutionPolicy.h>
@@ -82,11 +83,13 @@ void complexScaled(benchmark::State& state) {
 
 using Benchmark = void (*)(benchmark::State&);
 
-void registerSides(std::string const& subject, Benchmark library, Benchmark eigen) {
+void registerSides(std::string const& subject, Benchmark library, Benchmark eigen, std::string const& loop,
+                   Bench::LoopShape shape = {}) {
     for (long const n :
          {4, 16, 64, 256, 1'024, 4'096, 16'384, 65'536, 131'072, 1'000'000, 4'000'000, 8'000'000}) {
         benchmark::RegisterBenchmark((subject + "/eigen").c_str(), eigen)->Arg(n)->UseRealTime();
         OtherReferences::registerSides(subject, n);
+        Bench::registerLoopLimit(subject, loop, n, shape);
         for (auto const& [side, policy] :
              {std::pair("inline", Inline), std::pair("default", ParallelUnsequenced)})
             benchmark::RegisterBenchmark((subject + "/" + side).c_str(),
@@ -100,12 +103,12 @@ void registerSides(std::string const& subject, Benchmark library, Benchmark eige
 }
 
 [[maybe_unused]] bool const isRegistered = [] {
-    registerSides("a+b", sum, EigenReference::sum);
-    registerSides("a*s", scaled, EigenReference::scaled);
-    registerSides("a+=b", sumInPlace, EigenReference::sumInPlace);
-    registerSides("a+b+c", sumOfThree, EigenReference::sumOfThree);
-    registerSides("-a", negated, EigenReference::negated);
-    registerSides("z*s", complexScaled, EigenReference::complexScaled);
+    registerSides("a+b", sum, EigenReference::sum, "a+b");
+    registerSides("a*s", scaled, EigenReference::scaled, "a*s");
+    registerSides("a+=b", sumInPlace, EigenReference::sumInPlace, "a+b", {.isInPlace = true});
+    registerSides("a+b+c", sumOfThree, EigenReference::sumOfThree, "a+b+a");
+    registerSides("-a", negated, EigenReference::negated, "-a");
+    registerSides("z*s", complexScaled, EigenReference::complexScaled, "a*s", {.doublesPerElement = 2});
     return true;
 }();
 

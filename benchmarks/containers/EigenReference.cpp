@@ -28,6 +28,14 @@ void sum(benchmark::State& state) {
     });
 }
 
+void product(benchmark::State& state) {
+    measure(state, [](Real const& a, Real const& b) {
+        Real result = a.cwiseProduct(b);
+        benchmark::DoNotOptimize(result.data());
+        benchmark::ClobberMemory();
+    });
+}
+
 void sumOfThree(benchmark::State& state) {
     measure(state, [](Real const& a, Real const& b) {
         Real result = a + b + a;

@@ -7,6 +7,7 @@ namespace EigenReference {
 
 void sum(benchmark::State& state);
 void sumInPlace(benchmark::State& state);
+void product(benchmark::State& state);
 void sumOfThree(benchmark::State& state);
 void scaled(benchmark::State& state);
 void negated(benchmark::State& state);

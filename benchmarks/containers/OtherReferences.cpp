@@ -41,22 +41,6 @@ void registerExpression(std::string const& subject, long n, auto const& expressi
         Vector const a(Vector::shape_type{length[0]}, 1.5), b(Vector::shape_type{length[0]}, 2.5);
         measure(state, a, b, expression);
     });
-    registerSide(subject + "/limit", n, [expression](benchmark::State& state) {
-        long const length = state.range(0);
-        arma::vec a(static_cast<arma::uword>(length)), b(a), result(a);
-        a.fill(1.5);
-        b.fill(2.5);
-        double const* const x = a.memptr();
-        double const* const y = b.memptr();
-        double* const out = result.memptr();
-        for (auto _ : state) {
-#pragma GCC ivdep
-            for (long i = 0; i < length; ++i)
-                out[i] = expression(x[i], y[i]);
-            benchmark::DoNotOptimize(out);
-            benchmark::ClobberMemory();
-        }
-    });
 }
 
 } // namespace

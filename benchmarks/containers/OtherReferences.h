@@ -4,11 +4,10 @@
 
 #include <string>
 
-/// The same expressions on other libraries' vectors, and on storage that is there already, in one loop: what
-/// the machine can do.
+/// The same expressions on other libraries' vectors.
 namespace OtherReferences {
 
-/// Registers the sides `armadillo`, `xtensor` and `limit` of one subject, where there is such an expression.
+/// Registers the sides `armadillo` and `xtensor` of one subject, where there is such an expression.
 void registerSides(std::string const& subject, long n);
 
 } // namespace OtherReferences

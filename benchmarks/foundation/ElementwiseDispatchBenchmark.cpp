@@ -79,12 +79,12 @@ void sine(benchmark::State& state, AlgorithmExecutionPolicy policy) {
 [[maybe_unused]] bool const isRegistered = [] {
     for (long const n :
          {4, 16, 64, 256, 1'024, 4'096, 16'384, 32'768, 65'536, 262'144, 1'000'000, 4'000'000}) {
-        benchmark::RegisterBenchmark("Add/plain", addPlain)->Arg(n)->UseRealTime();
+        benchmark::RegisterBenchmark("Add/limit", addPlain)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Add/inline", add, Inline)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Add/default", add, ParallelUnsequenced)->Arg(n)->UseRealTime();
         if (n > 262'144)
             continue;
-        benchmark::RegisterBenchmark("Sine/plain", sinePlain)->Arg(n)->UseRealTime();
+        benchmark::RegisterBenchmark("Sine/limit", sinePlain)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Sine/inline", sine, Inline)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Sine/default", sine, ParallelUnsequenced)->Arg(n)->UseRealTime();
     }

@@ -1,7 +1,8 @@
-// The sum against the best loop in its own order and against Eigen's, the maximum against the standard
-// search.
+// The sum against the best loop in its own order and against Eigen's, the maximum against the standard search and
+// Eigen's.
 
 #include "functions/Inputs.h"
+#include "limits/Limits.h"
 
 #include <Math/ExecutionPolicy.h>
 #include <Math/Reductions.h>
@@ -64,12 +65,16 @@ void sumLoop(benchmark::State& state) {
 }
 
 #ifdef TVNMATH_BENCHMARK_EIGEN
+Eigen::Map<Eigen::VectorXd const, Eigen::Aligned64> mapped(Vector2 const& x) {
+    return {x.data(), static_cast<Eigen::Index>(x.length())};
+}
+
 void sumEigen(benchmark::State& state) {
-    reduce(state, Inline, [](Vector2 const& x) {
-        return Eigen::Map<Eigen::VectorXd const, Eigen::Aligned64>(x.data(),
-                                                                   static_cast<Eigen::Index>(x.length()))
-            .sum();
-    });
+    reduce(state, Inline, [](Vector2 const& x) { return mapped(x).sum(); });
+}
+
+void maxEigen(benchmark::State& state) {
+    reduce(state, Inline, [](Vector2 const& x) { return mapped(x).maxCoeff(); });
 }
 #endif
 
@@ -83,15 +88,18 @@ void maxStandard(benchmark::State& state) {
 }
 
 [[maybe_unused]] bool const registered = [] {
-    for (auto const n : {64, 4096, 100'000, 1'000'000}) {
+    for (auto const n : {16, 64, 65, 256, 1'024, 4'096, 16'384, 65'536, 1'000'000}) {
         benchmark::RegisterBenchmark("Sum/loop", sumLoop)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Sum/inline", sumInline)->Arg(n)->UseRealTime();
 #ifdef TVNMATH_BENCHMARK_EIGEN
         benchmark::RegisterBenchmark("Sum/eigen", sumEigen)->Arg(n)->UseRealTime();
+        benchmark::RegisterBenchmark("Max/eigen", maxEigen)->Arg(n)->UseRealTime();
 #endif
         benchmark::RegisterBenchmark("Sum/default", sumDefault)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Max/std", maxStandard)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Max/library", maxLibrary)->Arg(n)->UseRealTime();
+        registerReadLimit("Sum", n, n);
+        registerReadLimit("Max", n, n);
     }
     return true;
 }();

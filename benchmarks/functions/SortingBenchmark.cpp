@@ -1,6 +1,7 @@
 // The sort of an lvalue against a copy and std::sort.
 
 #include "functions/Inputs.h"
+#include "limits/Limits.h"
 
 #include <Math/Sorting.h>
 
@@ -32,9 +33,10 @@ void standard(benchmark::State& state) {
 }
 
 [[maybe_unused]] bool const registered = [] {
-    for (auto const n : {100, 1000, 100'000}) {
+    for (auto const n : {16, 64, 256, 1'024, 4'096, 16'384, 65'536, 1'000'000}) {
         benchmark::RegisterBenchmark("Sort/std", standard)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Sort/library", library)->Arg(n)->UseRealTime();
+        registerLoopLimit("Sort", "a", n);
     }
     return true;
 }();

@@ -4,6 +4,9 @@
 // calls of exported members where the current generation's are inline: a few nanoseconds in place, some
 // twenty for a fresh result, whatever its length.
 
+#include "containers/EigenReference.h"
+#include "limits/Limits.h"
+
 #include <Math/ComplexVector.h>
 #include <Math/ComplexVector2.h>
 #include <Math/Vector.h>
@@ -77,14 +80,18 @@ void complexFresh(benchmark::State& state, Operation operation) {
     setThroughput(state, n);
 }
 
-void lengths(benchmark::internal::Benchmark* benchmark) {
-    for (std::int64_t const n : {4, 16, 64, 256, 1024, 4096, 16384, 65536, 1048576})
-        benchmark->Arg(n);
-}
+constexpr long lengths[] = {4, 16, 64, 256, 1024, 4096, 16384, 65536, 1048576};
 
 template<class Run>
 void add(std::string const& name, Run const& run) {
-    lengths(benchmark::RegisterBenchmark(name.c_str(), run));
+    for (long const n : lengths)
+        benchmark::RegisterBenchmark(name.c_str(), run)->Arg(n)->UseRealTime();
+}
+
+void addLimit(std::string const& subject, std::string const& expression,
+              Tervane::Math::Bench::LoopShape shape = {}) {
+    for (long const n : lengths)
+        Tervane::Math::Bench::registerLoopLimit(subject, expression, n, shape);
 }
 
 // One operation written once, instantiated for either generation.
@@ -112,6 +119,16 @@ void addGeneration(std::string const& generation) {
 int const registered = [] {
     addGeneration<Vector, ComplexVector>("legacy");
     addGeneration<Vector2, ComplexVector2>("current");
+    add("Product/eigen", EigenReference::product);
+    addLimit("Product", "a*b");
+    addLimit("ScalarProduct", "a*s");
+    addLimit("ScalarDifference", "s-a");
+    addLimit("ScalarQuotient", "a/s");
+    addLimit("Chain", "a*b+b-a");
+    addLimit("SumReused", "a+b", {.isInPlace = true});
+    addLimit("MinusReused", "-a", {.isInPlace = true});
+    addLimit("PlusAssign", "a+b", {.isInPlace = true});
+    addLimit("ComplexScalarProduct", "a*s", {.doublesPerElement = 2});
     return 0;
 }();
 

@@ -1,6 +1,7 @@
 // Matrix products and the unchecked solve against the raw routines, on containers on both sides, so that both
 // allocate the same result.
 
+#include "limits/Limits.h"
 #include "linalg/RawRoutines.h"
 
 #include <Math/BLAS.h>
@@ -84,7 +85,11 @@ void gesv(benchmark::State& state, Solve const& solve) {
 }
 
 [[maybe_unused]] bool const registered = [] {
-    for (auto const n : {4, 16, 64, 128, 256}) {
+    for (auto const n : {4, 8, 16, 64, 128, 256, 512, 1024}) {
+        double const order = n;
+        registerArithmeticLimit("Gemm", n, 2.0 * order * order * order);
+        registerReadLimit("Gemv", n, static_cast<long>(n) * n, 2.0 * order * order);
+        registerArithmeticLimit("Gesv", n, 2.0 / 3.0 * order * order * order + 2.0 * order * order);
         benchmark::RegisterBenchmark("Gemm/onemkl", gemmOneMKL)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Gemm/library", gemmLibrary)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Gemv/onemkl", gemvOneMKL)->Arg(n)->UseRealTime();

@@ -1,6 +1,8 @@
 // Real transforms against the raw descriptor interface. Both sides make a descriptor for each transform and a
 // container for its result.
 
+#include "limits/Limits.h"
+
 #include <Math/FFT.h>
 
 #include <benchmark/benchmark.h>
@@ -82,11 +84,13 @@ void backwardOneMKL(benchmark::State& state) {
 }
 
 [[maybe_unused]] bool const registered = [] {
-    for (auto const n : {4, 64, 1024, 1000, 4096, 65'536, 100'003}) {
+    for (auto const n : {4, 16, 64, 1024, 1000, 4096, 65'536, 100'003}) {
         benchmark::RegisterBenchmark("RealFFT/onemkl", forwardOneMKL)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("RealFFT/library", forwardLibrary)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("InverseRealFFT/onemkl", backwardOneMKL)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("InverseRealFFT/library", backwardLibrary)->Arg(n)->UseRealTime();
+        registerLoopLimit("RealFFT", "a", n);
+        registerLoopLimit("InverseRealFFT", "a", n);
     }
     return true;
 }();

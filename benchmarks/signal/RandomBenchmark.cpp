@@ -1,6 +1,8 @@
 // Uniform random numbers against the standard generator and distribution, both with a fresh seed for each
 // vector; the reference writes to memory that is there already.
 
+#include "limits/Limits.h"
+
 #include <Math/Random.h>
 
 #include <benchmark/benchmark.h>
@@ -37,6 +39,7 @@ void standard(benchmark::State& state) {
     for (auto const n : {1, 1000, 100'000}) {
         benchmark::RegisterBenchmark("Uniform/std", standard)->Arg(n)->UseRealTime();
         benchmark::RegisterBenchmark("Uniform/library", library)->Arg(n)->UseRealTime();
+        registerLoopLimit("Uniform", "a", n);
     }
     return true;
 }();

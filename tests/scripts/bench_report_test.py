@@ -10,8 +10,8 @@ import sys
 import tempfile
 
 
-def run(name, nanoseconds, unit="ns", kind="iteration"):
-    return {"run_name": name, "run_type": kind, "real_time": nanoseconds, "time_unit": unit}
+def run(name, nanoseconds, unit="ns", kind="iteration", **counters):
+    return {"run_name": name, "run_type": kind, "real_time": nanoseconds, "time_unit": unit, **counters}
 
 
 def main():
@@ -27,6 +27,11 @@ def main():
             run("Add/plain/4096/real_time", 1000.0),
             run("Sine/library", 3.0),
             run("Sine/std", 4.0),
+            # The limit tells how many operations a call has; it may run on several threads.
+            run("Gemm/library/4", 64.0),
+            run("Gemm/limit/4/real_time/threads:2", 32.0, operations=128.0),
+            run("Gemm/library/8", 512.0),
+            run("Gemm/limit/8/real_time/threads:2", 256.0, operations=1024.0),
         ],
     }
     failures = []
@@ -39,6 +44,7 @@ def main():
             ("Add", "64", "inline/plain 2.000"),
             ("Add", "4096", "inline/plain 0.500"),
             ("Sine", None, "library/std 0.750"),
+            ("Gemm", "8", "library/limit 2.000"),
         ):
             found = [
                 line for line in lines
@@ -49,6 +55,10 @@ def main():
         plot = path.with_name("made_up-Add.png")
         if not plot.exists() or not plot.read_bytes().startswith(b"\x89PNG"):
             failures.append("no plot of the subject with two lengths")
+        # Order, then the median, smallest and largest of each side: the library's 2 GFLOP/s, the limit's 4.
+        drawn = path.with_name("made_up-Gemm.dat").read_text(encoding="utf-8").split("\n")[:2]
+        if drawn != ["4 2 2 2 4 4 4", "8 2 2 2 4 4 4"]:
+            failures.append(f"operations per second: {drawn}")
         if path.with_name("made_up-Sine.png").exists():
             failures.append("a plot of a subject without lengths")
     print("\n".join(failures + ([output] if failures else [])) or f"{len(lines)} lines as expected")
