@@ -1,5 +1,7 @@
 #include "limits/Limits.h"
 
+#include "foundation/Multiversion.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -18,7 +20,7 @@ using Lanes __attribute__((vector_size(64))) = double;
 template<class Expression>
 void loop(double const* a, double const* b, double* out, std::size_t n) {
     Expression const expression{};
-#pragma GCC ivdep
+    TVNMATH_INDEPENDENT_ITERATIONS
     for (std::size_t i = 0; i < n; ++i)
         out[i] = expression(a[i], b[i]);
 }
