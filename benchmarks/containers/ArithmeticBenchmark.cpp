@@ -86,7 +86,7 @@ using Benchmark = void (*)(benchmark::State&);
 void registerSides(std::string const& subject, Benchmark library, Benchmark eigen, std::string const& loop,
                    Bench::LoopShape shape = {}) {
     for (long const n :
-         {4, 16, 64, 256, 1'024, 4'096, 16'384, 65'536, 131'072, 1'000'000, 4'000'000, 8'000'000}) {
+         {4, 16, 64, 256, 1'024, 4'096, 16'384, 65'536, 131'072, 1'000'000, 4'194'304, 8'000'000}) {
         benchmark::RegisterBenchmark((subject + "/eigen").c_str(), eigen)->Arg(n)->UseRealTime();
         OtherReferences::registerSides(subject, n);
         Bench::registerLoopLimit(subject, loop, n, shape);
