@@ -10,12 +10,17 @@
 #include <limits>
 #include <utility>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#    define TVNMATH_HEAP_IS_SANITIZED 1
+#if defined(__SANITIZE_THREAD__)
+#    define TVNMATH_THREADS_ARE_SANITIZED 1
 #elif defined(__has_feature)
-#    if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#    if __has_feature(thread_sanitizer)
+#        define TVNMATH_THREADS_ARE_SANITIZED 1
+#    elif __has_feature(address_sanitizer)
 #        define TVNMATH_HEAP_IS_SANITIZED 1
 #    endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(TVNMATH_THREADS_ARE_SANITIZED)
+#    define TVNMATH_HEAP_IS_SANITIZED 1
 #endif
 
 namespace Tervane::Math::Detail {
@@ -80,6 +85,24 @@ namespace {
 }();
 
 } // namespace
+
+#    if defined(TVNMATH_THREADS_ARE_SANITIZED)
+
+// The thread sanitizer does not tell its hooks of aligned blocks, which is what element storage is. So this
+// stands before the sanitizer's function, counts and passes on.
+extern "C" {
+
+int __interceptor_posix_memalign(void** p, std::size_t alignment, std::size_t bytes);
+
+__attribute__((visibility("default"))) int posix_memalign(void** p, std::size_t alignment,
+                                                          std::size_t bytes) {
+    note(bytes);
+    return __interceptor_posix_memalign(p, alignment, bytes);
+}
+
+} // extern "C"
+
+#    endif
 
 #else
 

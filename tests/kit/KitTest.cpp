@@ -126,6 +126,15 @@ TEST(Allocations, AreCountedOnTheCallingThread) {
     ::operator delete(block);
 }
 
+TEST(Allocations, AreCountedWhenTheyAreAligned) {
+    AllocationCounter const counter;
+    void* block = nullptr;
+    ASSERT_EQ(posix_memalign(&block, 64, 800), 0);
+    EXPECT_EQ(counter.count(), 1u);
+    EXPECT_EQ(counter.bytes(), 800u);
+    std::free(block);
+}
+
 TEST(Allocations, CanBeMadeToFail) {
     if (!FailingAllocations::areSupported())
         GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
