@@ -107,9 +107,8 @@ TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gesv(Matrix2& A, Vect
 
 /// As the current forms, on any matrix of the legacy family. A failure is
 /// `LinearAlgebraErrorCode::DimensionsMismatch` in `error`, which is left as it is on success; the result is
-/// returned all the same, as it stood (compatibility C45, C46). A matrix that lacks elements of its shape, as
-/// a copy of one does that resize() shrank, does not fit either, and a table's data() is asked for only when
-/// the shapes fit.
+/// returned all the same, as it stood (compatibility C45, C46). A table's data() is asked for only when the
+/// shapes fit.
 ///
 /// In this and the other legacy forms a LinearAlgebraErrorCode that a caller's own table throws is reported
 /// as itself, and any other exception, of a failed allocation for example, makes the error unknown; a result

@@ -100,7 +100,8 @@ public:
     /// another shape construct one.
     ///
     /// The elements keep their flat positions. Those that are cut off stay in the storage past the new end,
-    /// copies of `fill` follow those that are there. Asking for the reported shape changes nothing. data()
+    /// where the shape still finds them, in copies of the matrix too; copies of `fill` follow those that are
+    /// there. Asking for the reported shape changes nothing. data()
     /// may move.
     ///
     /// @return this matrix

@@ -21,8 +21,7 @@ bool AbstractMatrix::isSquare() const {
 Matrix AbstractMatrix::elementwiseMultiply(AbstractMatrix const& b, System::ErrorCode& error) const {
     return Detail::reportedResult<Matrix>(error, [&](std::optional<Matrix>& result) -> Detail::Failure {
         Dimensions const shape = size();
-        if (shape != b.size() || !Detail::LegacyAccess::hasStorageForItsShape(*this)
-            || !Detail::LegacyAccess::hasStorageForItsShape(b))
+        if (shape != b.size())
             return DimensionsMismatch;
         Matrix& product = result.emplace(shape, 0.0);
         std::size_t const rowCount = rows();

@@ -10,7 +10,6 @@
 
 #include <complex>
 #include <cstddef>
-#include <typeinfo>
 
 namespace Tervane::Math::Detail {
 
@@ -68,15 +67,6 @@ struct LegacyAccess {
         return object._data() != nullptr;
     }
     static bool hasData(ComplexVector const& z) noexcept { return z.objectData() != nullptr; }
-
-    /// Whether there is storage for every element that a matrix's shape says. A copy of one that resize()
-    /// shrank has none for the last ones. What a caller's own kind of matrix says is believed.
-    static bool hasStorageForItsShape(AbstractMatrix const& m) {
-        if (typeid(m) != typeid(Matrix))
-            return true;
-        MatrixData const& d = data(static_cast<Matrix const&>(m));
-        return d.values.capacity() >= d.dimensions.rows() * d.dimensions.columns();
-    }
 
 private:
     template<class Data, class T>

@@ -46,7 +46,8 @@ struct ViewVectorData final : System::ObjectData {
     VectorOrientation orientation = Column;
 };
 
-/// What a Matrix owns: its elements column after column, and the shape that it reports.
+/// What a Matrix owns: its elements column after column, and the shape that it reports. The storage holds
+/// every element of that shape, also where the array is shorter.
 struct MatrixData final : System::ObjectData {
     MatrixData() = default;
     MatrixData(RealArray elements, Dimensions const& d) noexcept

@@ -33,6 +33,19 @@ DataPointer copyOf(AbstractDataTable const& table) {
     return dataOf(std::move(elements), shape);
 }
 
+/// How many elements a matrix has in its storage: those of its array, and those of its shape that resize()
+/// has cut off.
+std::size_t storedElements(MatrixData const& m) {
+    return std::max(m.values.length(), Detail::elementCount(m.dimensions));
+}
+
+// What was cut off is copied as well: whoever goes by the shape finds it in a copy, too.
+DataPointer copyOf(MatrixData const& m) {
+    RealArray elements(m.values.data(), storedElements(m));
+    elements.resize(m.values.length());
+    return dataOf(std::move(elements), m.dimensions);
+}
+
 std::size_t widthOf(BlockRow blocks) {
     return std::accumulate(blocks.begin(), blocks.end(), std::size_t{0},
                            [](std::size_t total, Matrix const& block) { return total + block.columns(); });
@@ -62,8 +75,7 @@ Matrix::Matrix(Dimensions const& dimensions, double const& fill)
 
 Matrix::Matrix(AbstractDataTable const& table) : BasicObject(copyOf(table)) {}
 
-Matrix::Matrix(Matrix const& other)
-    : BasicObject(dataOf(RealArray(LegacyAccess::elements(other)), LegacyAccess::data(other).dimensions)) {}
+Matrix::Matrix(Matrix const& other) : BasicObject(copyOf(LegacyAccess::data(other))) {}
 
 Matrix::Matrix(Matrix&& other) noexcept = default;
 
@@ -74,7 +86,8 @@ Matrix& Matrix::operator=(Matrix const& other) {
         return *this = Matrix(other);
     MatrixData const& source = LegacyAccess::data(other);
     MatrixData& target = LegacyAccess::data(*this);
-    target.values = source.values;
+    target.values.assign(source.values.data(), storedElements(source));
+    target.values.resize(source.values.length());
     target.dimensions = source.dimensions;
     return *this;
 }

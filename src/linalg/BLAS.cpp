@@ -70,24 +70,13 @@ bool readsBeyond(Product const& product, double alpha) {
            && (hasMoreRows(product.transA, product.a) || hasMoreRows(product.transB, product.b));
 }
 
-/// @name Whether a matrix has every element that its shape says
-/// @{
-bool isWhole(Matrix2 const& /*always*/) {
-    return true;
-}
-bool isWhole(AbstractMatrix const& M) {
-    return Detail::LegacyAccess::hasStorageForItsShape(M);
-}
-/// @}
-
 /// C := alpha op(A) op(B) + beta C. The operands are asked for their elements when the shapes fit, not
 /// before: a caller's own table need not have any.
 template<class Operand, class Result>
 Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand const& B, double beta,
                  Result& C) {
-    Failure failure = failureUnless(product.fits(C.size()) && !readsBeyond(product, alpha) && isWhole(A)
-                                        && isWhole(B) && isWhole(C),
-                                    DimensionsMismatch);
+    Failure failure =
+        failureUnless(product.fits(C.size()) && !readsBeyond(product, alpha), DimensionsMismatch);
     if (!failure)
         OneMKL::gemm(product.transA, product.transB, product.m(), product.n(), product.k(), alpha, A.data(),
                      product.a.rows(), B.data(), product.b.rows(), beta, C.data(), product.m());
@@ -114,18 +103,20 @@ bool isEmpty(AbstractVector const& v, double const* elements) {
 template<class MatrixOperand, class VectorOperand, class Result>
 Failure gemvInto(Transpose trans, Dimensions const& a, double alpha, MatrixOperand const& A,
                  VectorOperand const& x, double beta, Result& y) {
-    std::size_t const lengthOfX = x.length();
-    std::size_t const lengthOfY = y.length();
-    if (lengthOfX < op(trans, a).columns() || lengthOfY < op(trans, a).rows() || !isWhole(A))
-        return DimensionsMismatch;
-    double const* const elementsOfX = x.data();
-    // A Transpose that is not listed counts as a transposition above, and to the routine as none.
-    Dimensions const taken = OneMKL::isUnlisted(trans) ? a : op(trans, a);
+    // A Transpose that is not listed asks for the lengths of a transposition, and to the routine is none.
+    Dimensions const asked = op(trans, a);
+    Dimensions const taken = OneMKL::isUnlisted(trans) ? a : asked;
     bool const hasElements = a.rows() != 0 && a.columns() != 0;
     bool const readsX = hasElements && alpha != 0.0;
     bool const writesY = hasElements && !(alpha == 0.0 && beta == 1.0);
-    if ((readsX && (lengthOfX < taken.columns() || isEmpty(x, elementsOfX)))
-        || (writesY && lengthOfY < taken.rows()))
+    auto const isTooShort = [](std::size_t length, std::size_t least, bool isUsed, std::size_t used) {
+        return length < least || (isUsed && length < used);
+    };
+    if (isTooShort(x.length(), asked.columns(), readsX, taken.columns())
+        || isTooShort(y.length(), asked.rows(), writesY, taken.rows()))
+        return DimensionsMismatch;
+    double const* const elementsOfX = x.data();
+    if (readsX && isEmpty(x, elementsOfX))
         return DimensionsMismatch;
     OneMKL::gemv(trans, a.rows(), a.columns(), alpha, A.data(), a.rows(), elementsOfX, beta, y.data());
     return {};

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "legacy/Access.h"
-
 #include <Math/Matrix.h>
 #include <Math/Matrix2.h>
 #include <Math/Vector.h>
@@ -17,7 +15,6 @@ struct MatrixRef {
     double* data;
     std::size_t rows;
     std::size_t columns;
-    bool isWhole; ///< there is storage for rows x columns elements
 };
 
 /// A vector of either generation in memory, with the shape that its orientation gives it.
@@ -29,10 +26,10 @@ struct VectorRef {
 };
 
 inline MatrixRef refOf(Matrix2& m) {
-    return {m.data(), m.rows(), m.columns(), true};
+    return {m.data(), m.rows(), m.columns()};
 }
 inline MatrixRef refOf(Matrix& m) {
-    return {m.data(), m.rows(), m.columns(), LegacyAccess::hasStorageForItsShape(m)};
+    return {m.data(), m.rows(), m.columns()};
 }
 
 inline VectorRef refOf(Vector2& v) {

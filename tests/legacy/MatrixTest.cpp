@@ -218,6 +218,29 @@ TEST(MatrixResize, KeepsOldElementsInTheStorageBehindTheNewEnd) {
     EXPECT_EQ(m[Index(1, 1)], 4.0) << "still found under the reported shape";
 }
 
+TEST(MatrixResize, LeavesEveryElementOfTheReportedShapeToCopies) {
+    // Under the address sanitizer this also shows that at(), which goes by the shape, stays within the
+    // storage.
+    Matrix shrunken = matrixOf(2, 2, {1, 2, 3, 4});
+    shrunken.resize(1, 1, 9.0);
+    Matrix const constructed(shrunken);
+    Matrix intoNothing;
+    intoNothing = shrunken;
+    Matrix intoMore(5, 5, 7.0);
+    intoMore = constructed;
+    Matrix intoLess(1, 1, 7.0);
+    intoLess = intoMore;
+    Matrix const* const copies[] = {&constructed, &intoNothing, &intoMore, &intoLess};
+    for (Matrix const* const copy : copies) {
+        EXPECT_EQ(arrayOf(*copy), (Values{1}));
+        EXPECT_EQ(copy->at(0, 0), 1.0);
+        EXPECT_EQ(copy->at(1, 0), 2.0);
+        EXPECT_EQ(copy->at(0, 1), 3.0);
+        EXPECT_EQ(copy->at(1, 1), 4.0);
+        EXPECT_EQ(arrayOf(copy->transposed()), (Values{1, 3, 2, 4}));
+    }
+}
+
 TEST(MatrixResize, ToTheReportedShapeChangesNothing) {
     Matrix m = matrixOf(2, 2, {1, 2, 3, 4});
     m.resize(1, 1, 9.0);
