@@ -49,6 +49,13 @@ bool mayBeSpread(std::size_t m, std::size_t n, std::size_t k) {
     return m * n * k > 6000;
 }
 
+/// Whether oneMKL multiplies such a matrix by a vector without so much as asking for the number of threads.
+/// Telling it that there is one, and taking that back, would be a third of a product of 4 rows. It was seen
+/// to ask from 105 rows and columns on, and asks from 64 on where the processor is an old one.
+bool asksForNoThreads(std::size_t m, std::size_t n) {
+    return std::max(m, n) < 64;
+}
+
 /// The same of a least-squares driver. The smallest that it was seen to spread had a side of 27.
 bool mayBeSpread(std::size_t m, std::size_t n) {
     return std::max(m, n) > 16;
@@ -95,8 +102,13 @@ void gemm(Transpose transA, Transpose transB, std::size_t m, std::size_t n, std:
 
 void gemv(Transpose trans, std::size_t m, std::size_t n, double alpha, double const* a, std::size_t lda,
           double const* x, double beta, double* y) {
+    auto const multiply = [&] {
+        dgemv(flagOf(trans), Size(m), Size(n), &alpha, a, Size(lda), x, &one, &beta, y, &one);
+    };
+    if (asksForNoThreads(m, n))
+        return multiply();
     ThreadUse const threads(mayBeSpread(m, n, 1));
-    dgemv(flagOf(trans), Size(m), Size(n), &alpha, a, Size(lda), x, &one, &beta, y, &one);
+    multiply();
 }
 
 Outcome gesv(std::size_t n, std::size_t nrhs, double* a, double* b) {

@@ -20,8 +20,10 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <string>
 #include <thread>
 
 namespace Tervane::Math {
@@ -83,7 +85,11 @@ TEST(ThreadUse, ProductIsComputedWithoutThreadsWhenNoneIsToBeHad) {
     for (std::size_t const spareKiB : {64, 256, 1024, 4096, 8192, 12288, 65536}) {
         auto const outcome = runInChild([&] {
             Problem problem;
+            Vector2 const x(order, 1.0);
+            Vector2 y(order);
             limitAddressSpace(spareKiB);
+            if (!BLAS::gemv(NoTranspose, 1.0, problem.ones, x, 0.0, y) || y[order - 1] != order)
+                return 2;
             return BLAS::gemm(NoTranspose, NoTranspose, 1.0, problem.ones, problem.ones, 0.0, problem.product)
                            && problem.product[order - 1][order - 1] == order
                        ? 0
@@ -91,6 +97,32 @@ TEST(ThreadUse, ProductIsComputedWithoutThreadsWhenNoneIsToBeHad) {
         });
         EXPECT_TRUE(outcome.isClean()) << spareKiB << " KiB: " << describe(outcome);
     }
+}
+
+// The OpenMP runtime tells its settings when it starts, if it is asked to. For such products oneMKL is not
+// told that there is one thread, so it must not ask for their number.
+TEST(ThreadUse, SmallProductsWithVectorsLeaveTheOpenMPRuntimeAlone) {
+    if (dlsym(RTLD_DEFAULT, "kmp_get_blocktime") == nullptr)
+        GTEST_SKIP() << "built without LLVM's OpenMP runtime";
+    auto const multiply = [](std::size_t rows, std::size_t columns) {
+        setenv("OMP_DISPLAY_ENV", "TRUE", 1);
+        Matrix2 const a(rows, columns, 1.0);
+        auto const product = BLAS::gemv(NoTranspose, a, Vector2(columns, 1.0));
+        auto const transposed = BLAS::gemv(Transposed, a, Vector2(rows, 1.0));
+        return product && transposed && product.value()[0] == static_cast<double>(columns)
+               && transposed.value()[0] == static_cast<double>(rows);
+    };
+    auto const small = runInChild([&] {
+        for (std::size_t const rows : {1, 2, 3, 4, 7, 8, 15, 16, 31, 32, 47, 63})
+            for (std::size_t const columns : {1, 2, 3, 4, 7, 8, 15, 16, 31, 32, 47, 63})
+                if (!multiply(rows, columns))
+                    return 1;
+        return 0;
+    });
+    EXPECT_TRUE(small.isClean()) << describe(small);
+    auto const large = runInChild([&] { return multiply(order, order) ? 0 : 1; });
+    EXPECT_EQ(large.exitCode, 0) << describe(large);
+    EXPECT_NE(large.printed.find("OPENMP DISPLAY ENVIRONMENT"), std::string::npos) << describe(large);
 }
 
 // The same when the threads were there once, in the parent.
