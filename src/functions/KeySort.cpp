@@ -28,7 +28,15 @@ inline void sortKeys(std::int64_t* keys, std::size_t n) noexcept {
     using namespace hwy::HWY_NAMESPACE;
     SortTag<std::int64_t> const tag;
     detail::SharedTraits<detail::TraitsLane<detail::OrderAscending<std::int64_t>>> const ascending;
-    Sort(tag, ascending, keys, n, static_cast<std::int64_t*>(nullptr));
+    using Constants = hwy::SortConstants;
+    if (n <= Constants::BaseCaseNum(Lanes(tag))) {
+        // What Sort() comes to then, but for the storage that it clears first: a tenth of the time that 16
+        // keys take.
+        HWY_ALIGN std::int64_t buffer[Constants::BufNum<std::int64_t>(HWY_LANES(std::int64_t))];
+        detail::BaseCase(tag, ascending, keys, keys + n, n, buffer);
+    } else {
+        Sort(tag, ascending, keys, n, static_cast<std::int64_t*>(nullptr));
+    }
 }
 
 } // namespace Tervane::Math::Detail::HWY_NAMESPACE

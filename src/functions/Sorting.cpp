@@ -18,8 +18,9 @@ namespace Tervane::Math {
 namespace {
 
 // From here on sorting vectors of keys repays making them: measured where it draws level with the standard
-// sort, on random elements.
-constexpr std::size_t shortestSortedByKeys = 64;
+// sort of the same elements again and again, whose branches the processor then foretells. Of elements that it
+// has not seen, the standard sort takes four times as long at 32.
+constexpr std::size_t shortestSortedByKeys = 17;
 
 // The keys are integers in the order of the elements, -0.0 before 0.0, with the NaNs behind infinity: each
 // element has its own, so every bit pattern comes back. As integers, positive elements are in order and
@@ -89,7 +90,9 @@ Vector2 sort(Vector2&& x) {
 }
 
 Vector2 sort(Vector2 const& x) {
-    return sort(Vector2(x));
+    Vector2 result(x);
+    Detail::Kernels::sort(result.data(), result.length());
+    return result;
 }
 
 } // namespace Tervane::Math

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -112,8 +113,10 @@ TEST(Sorting, EveryBitPatternComesBackOnceAndNaNsComeLast) {
     for (std::uint64_t const bits : extremes)
         for (int copies = 0; copies < 3; ++copies)
             patterns.push_back(fromBits(bits));
-    for (std::size_t const n :
-         {1U, 2U, 15U, 16U, 17U, 63U, 64U, 65U, 127U, 128U, 129U, 1000U, 16385U, 100'000U}) {
+    std::vector<std::size_t> lengths(130);
+    std::iota(lengths.begin(), lengths.end(), 1U);
+    lengths.insert(lengths.end(), {1000U, 16385U, 100'000U});
+    for (std::size_t const n : lengths) {
         std::vector<double> input(n);
         for (std::size_t i = 0; i < n; ++i)
             input[i] = i % 3 == 0 ? fromBits(i * 0x9e3779b97f4a7c15) : patterns[i * 7919 % patterns.size()];
