@@ -44,8 +44,8 @@ namespace BLAS {
 /// (compatibility C44).
 ///
 /// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when the shapes do not fit together, when C
-///         is not M x N, and when with an unlisted Transpose the routine would read columns that are not
-///         there: mend the shapes. C is then as it was.
+///         is not M x N, and when the routine would read what is not there, with an unlisted Transpose or of
+///         a moved-from matrix (compatibility C23): mend the shapes. C is then as it was.
 ///
 /// Complexity: O(M N K).
 TVNMATH_API System::Expected<Matrix2*, System::ErrorCode2> gemm(Transpose transA, Transpose transB,
@@ -68,7 +68,8 @@ TVNMATH_API System::Expected<Matrix2, System::ErrorCode2> gemm(Transpose transA,
 /// (compatibility C47).
 ///
 /// @return the product; `LinearAlgebraErrc::DimensionsMismatch` when x or y is too short, by the shapes or
-///         for what the routine does with an unlisted Transpose; y is then as it was
+///         for what the routine does with an unlisted Transpose, and when A was moved from; y is then as it
+///         was
 ///
 /// Complexity: O(rows columns).
 TVNMATH_API System::Expected<Vector2*, System::ErrorCode2> gemv(Transpose trans, double const& alpha,

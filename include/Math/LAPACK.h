@@ -23,7 +23,8 @@
 ///
 /// What a driver refuses comes back as `InvalidParameter`, what it could not compute as another code; in both
 /// cases the arguments hold what the driver left in them. When a check before the driver fails they are
-/// untouched. An empty row, whose shape fits one equation, is a mismatch of dimensions.
+/// untouched. An empty row, whose shape fits one equation, and a moved-from Matrix2, which keeps its shape,
+/// are a mismatch of dimensions.
 ///
 /// E. Anderson et al., LAPACK Users' Guide, 3rd ed., SIAM 1999, describes the drivers of the same names.
 
@@ -48,9 +49,10 @@ namespace LAPACK {
 /// @param A a square matrix
 /// @param b a column with an element for each row of A
 /// @return `LinearAlgebraErrc::SolutionNotComputed` for a pivot that is exactly zero (compatibility C49):
-///         mend the system. For an A that is not square, or whose row count is not b.rows(), and for a b that
-///         is an empty row, the error -1 of the system category ("Unknown error -1") and no code of the
-///         linear-algebra category (compatibility C50): compare the shapes first.
+///         mend the system. For an A that is not square, or whose row count is not b.rows(), for a b that is
+///         an empty row, and for an A that was moved from, the error -1 of the system category ("Unknown
+///         error -1") and no code of the linear-algebra category (compatibility C50): compare the shapes
+///         first.
 ///
 /// Complexity: O(n^3).
 TVNMATH_API System::Expected<void, System::ErrorCode2> gesv(Matrix2& A, Vector2& b);

@@ -101,8 +101,7 @@ public:
     ///
     /// The elements keep their flat positions. Those that are cut off stay in the storage past the new end,
     /// where the shape still finds them, in copies of the matrix too; copies of `fill` follow those that are
-    /// there. Asking for the reported shape changes nothing. data()
-    /// may move.
+    /// there. Asking for the reported shape changes nothing. data() may move.
     ///
     /// @return this matrix
     Matrix& resize(std::size_t rows, std::size_t columns, double const& fill = 0.0);

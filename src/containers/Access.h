@@ -33,6 +33,10 @@ struct ContainerAccess {
 
     static std::size_t length(auto const& v) noexcept { return v.length(); }
 
+    /// Whether a matrix has every element that its shape says. A moved-from one, and a copy of it, has none
+    /// (compatibility C23).
+    static bool isWhole(Matrix2 const& m) noexcept { return m._elements.length() == m.rows() * m.columns(); }
+
     /// A vector of `n` elements for the caller to write.
     static Vector2 uninitialised(std::size_t n, VectorOrientation orientation) {
         Vector2 result;

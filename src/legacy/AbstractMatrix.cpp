@@ -1,4 +1,3 @@
-#include "legacy/Access.h"
 #include "legacy/Boundary.h"
 #include "linalg/Products.h"
 

@@ -1,5 +1,5 @@
+#include "containers/Access.h"
 #include "foundation/Failure.h"
-#include "legacy/Access.h"
 #include "legacy/Boundary.h"
 #include "linalg/MatrixRef.h"
 #include "linalg/OneMKL.h"
@@ -45,6 +45,9 @@ struct Product {
     std::size_t n() const { return op(transB, b).columns(); }
     std::size_t k() const { return op(transA, a).columns(); }
 
+    /// Whatever alpha is: oneMKL reads the operands of small products with an alpha of 0, too.
+    bool readsOperands() const { return m() != 0 && n() != 0 && k() != 0; }
+
     bool fits(Dimensions const& c) const { return c == Dimensions(m(), n()) && k() == op(transB, b).rows(); }
 };
 
@@ -56,7 +59,7 @@ Product productOf(Transpose transA, Transpose transB, AnyMatrix const& A, AnyMat
 /// Whether the routine would read past the end of an operand. The shapes take a Transpose that is not
 /// listed for a transposition, the routine takes it for none: of an operand with more rows than columns it
 /// then reads columns that are not there, and the product when an operand has fewer it refuses.
-bool readsBeyond(Product const& product, double alpha) {
+bool readsBeyond(Product const& product) {
     auto const hasMoreColumns = [](Transpose trans, Dimensions const& m) {
         return OneMKL::isUnlisted(trans) && m.rows() < m.columns();
     };
@@ -65,18 +68,29 @@ bool readsBeyond(Product const& product, double alpha) {
     };
     bool const isRefused =
         hasMoreColumns(product.transA, product.a) || hasMoreColumns(product.transB, product.b);
-    bool const isRead = product.m() != 0 && product.n() != 0 && alpha != 0.0;
-    return isRead && !isRefused
+    return product.readsOperands() && !isRefused
            && (hasMoreRows(product.transA, product.a) || hasMoreRows(product.transB, product.b));
 }
+
+/// @name Whether a matrix has every element that its shape says
+/// A table of the legacy family is believed.
+/// @{
+bool isWhole(Matrix2 const& M) {
+    return Detail::ContainerAccess::isWhole(M);
+}
+bool isWhole(AbstractMatrix const& /*believed*/) {
+    return true;
+}
+/// @}
 
 /// C := alpha op(A) op(B) + beta C. The operands are asked for their elements when the shapes fit, not
 /// before: a caller's own table need not have any.
 template<class Operand, class Result>
 Failure gemmInto(Product const& product, double alpha, Operand const& A, Operand const& B, double beta,
                  Result& C) {
-    Failure failure =
-        failureUnless(product.fits(C.size()) && !readsBeyond(product, alpha), DimensionsMismatch);
+    Failure failure = failureUnless(product.fits(C.size()) && !readsBeyond(product) && isWhole(A)
+                                        && isWhole(B) && isWhole(C),
+                                    DimensionsMismatch);
     if (!failure)
         OneMKL::gemm(product.transA, product.transB, product.m(), product.n(), product.k(), alpha, A.data(),
                      product.a.rows(), B.data(), product.b.rows(), beta, C.data(), product.m());
@@ -116,7 +130,7 @@ Failure gemvInto(Transpose trans, Dimensions const& a, double alpha, MatrixOpera
         || isTooShort(y.length(), asked.rows(), writesY, taken.rows()))
         return DimensionsMismatch;
     double const* const elementsOfX = x.data();
-    if (readsX && isEmpty(x, elementsOfX))
+    if (readsX && (isEmpty(x, elementsOfX) || !isWhole(A)))
         return DimensionsMismatch;
     OneMKL::gemv(trans, a.rows(), a.columns(), alpha, A.data(), a.rows(), elementsOfX, beta, y.data());
     return {};

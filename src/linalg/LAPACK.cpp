@@ -53,7 +53,7 @@ bool isEmptyRow(VectorRef const& b) {
 Failure shapeFailure(MatrixRef const& a, VectorRef const& b) {
     if (a.rows != a.columns)
         return MatrixNotSquare;
-    if (a.rows != b.rows || isEmptyRow(b))
+    if (a.rows != b.rows || isEmptyRow(b) || !a.isWhole)
         return DimensionsMismatch;
     return {};
 }
@@ -63,7 +63,7 @@ Failure gesv(MatrixRef const& a, VectorRef const& b) {
 }
 
 Failure gels(Transpose trans, MatrixRef const& a, VectorRef const& b) {
-    if (a.rows == 1 && a.columns <= 1 && isEmptyRow(b))
+    if (!a.isWhole || (a.rows == 1 && a.columns <= 1 && isEmptyRow(b)))
         return DimensionsMismatch;
     auto const driver = [&](double* work, OneMKL::Integer lwork) {
         return OneMKL::gels(trans, a.rows, a.columns, a.data, a.rows, b.data, b.rows, work, lwork);
@@ -72,7 +72,7 @@ Failure gels(Transpose trans, MatrixRef const& a, VectorRef const& b) {
 }
 
 Failure gelsd(MatrixRef const& a, VectorRef const& b, double rcond) {
-    if (a.rows == 1 && a.columns == 1 && isEmptyRow(b))
+    if (!a.isWhole || (a.rows == 1 && a.columns == 1 && isEmptyRow(b)))
         return DimensionsMismatch;
     RealArray singularValues(std::max<std::size_t>(std::min(a.rows, a.columns), 1));
     std::vector<OneMKL::Integer> iwork(1);
@@ -90,7 +90,7 @@ Failure gelsd(MatrixRef const& a, VectorRef const& b, double rcond) {
 Failure gglse(MatrixRef const& a, MatrixRef const& b, VectorRef const& c, VectorRef const& d, double* x) {
     if (a.rows == 0 || a.columns == 0)
         return InvalidParameter;
-    if (a.columns != b.columns || c.length < a.rows || d.length < b.rows)
+    if (a.columns != b.columns || c.length < a.rows || d.length < b.rows || !a.isWhole || !b.isWhole)
         return DimensionsMismatch;
     auto const driver = [&](double* work, OneMKL::Integer lwork) {
         return OneMKL::gglse(a.rows, a.columns, b.rows, a.data, a.rows, b.data, b.rows, c.data, d.data, x,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "containers/Access.h"
+
 #include <Math/Matrix.h>
 #include <Math/Matrix2.h>
 #include <Math/Vector.h>
@@ -15,6 +17,7 @@ struct MatrixRef {
     double* data;
     std::size_t rows;
     std::size_t columns;
+    bool isWhole; ///< it has every element that its shape says
 };
 
 /// A vector of either generation in memory, with the shape that its orientation gives it.
@@ -26,10 +29,10 @@ struct VectorRef {
 };
 
 inline MatrixRef refOf(Matrix2& m) {
-    return {m.data(), m.rows(), m.columns()};
+    return {m.data(), m.rows(), m.columns(), ContainerAccess::isWhole(m)};
 }
 inline MatrixRef refOf(Matrix& m) {
-    return {m.data(), m.rows(), m.columns()};
+    return {m.data(), m.rows(), m.columns(), true};
 }
 
 inline VectorRef refOf(Vector2& v) {

@@ -621,6 +621,26 @@ TEST(LegacyBLAS, CodeThatTheCallersTableThrowsIsReportedAsItself) {
     EXPECT_EQ(reportOf(error), failure(MatrixSingular));
 }
 
+TEST(CurrentBLAS, MovedFromMatrixHasNoElementsForItsShape) {
+    Matrix2 without(2, 2, 1.0);
+    Matrix2 const taken(std::move(without));
+    Matrix2 withSome(1, 1, 1.0);
+    withSome = without; // keeps its storage, which is too little
+    Matrix2 const whole(2, 2, 1.0);
+    Vector2 const x(2, 1.0);
+    for (Matrix2* const m : {&without, &withSome}) {
+        ASSERT_EQ(m->size(), Dimensions(2, 2));
+        EXPECT_EQ(reportOf(BLAS::gemm(NoTranspose, NoTranspose, *m, whole)), failure(DimensionsMismatch));
+        EXPECT_EQ(reportOf(BLAS::gemm(NoTranspose, Transposed, whole, *m)), failure(DimensionsMismatch));
+        EXPECT_EQ(reportOf(BLAS::gemm(NoTranspose, NoTranspose, 1.0, whole, whole, 0.0, *m)),
+                  failure(DimensionsMismatch));
+        EXPECT_EQ(reportOf(BLAS::gemv(Transposed, *m, x)), failure(DimensionsMismatch));
+        EXPECT_EQ(reportOf(BLAS::gemm(NoTranspose, NoTranspose, 0.0, *m, whole)),
+                  failure(DimensionsMismatch)); // oneMKL reads it all the same
+        EXPECT_EQ(reportOf(BLAS::gemv(NoTranspose, 0.0, *m, x)), success);
+    }
+}
+
 TEST(LegacyBLAS, CopyOfAShrunkenMatrixGivesTheProductsOfItsShape) {
     Matrix shrunken(3, 3, 2.0);
     shrunken.resize(1, 1, 0.0); // the shape and the storage stay
@@ -680,8 +700,10 @@ TYPED_TEST(BLASMemory, GemmWithAnUnlistedTransposeReadsNoColumnThatIsNotThere) {
     EXPECT_EQ(gemm(NoTranspose, unlisted, 1.0, wide, wide, 2, 2),
               all(success, 4, 5.0)); // refused by the routine
     EXPECT_EQ(gemm(NoTranspose, unlisted, 1.0, tall, tall, 3, 3), all(mismatch, 9, 5.0));
-    // With alpha 0 nothing is read.
-    EXPECT_EQ(gemm(unlisted, NoTranspose, 0.0, tall, ones, 2, 3), all(success, 6, 10.0));
+    // oneMKL may read the operands with an alpha of 0, too; where there is nothing to read, C is scaled.
+    EXPECT_EQ(gemm(unlisted, NoTranspose, 0.0, tall, ones, 2, 3), all(mismatch, 6, 5.0));
+    auto const nothing = matrixOf<TypeParam>(3, 0, {});
+    EXPECT_EQ(gemm(NoTranspose, unlisted, 1.0, nothing, nothing, 3, 3), all(success, 9, 10.0));
     EXPECT_EQ(gemm(unlisted, unlisted, 1.0, ones, ones, 3, 3), all(success, 9, 13.0));
 }
 

@@ -134,6 +134,19 @@ TEST(LegacyGesv, AnEmptyRowDoesNotFitOneEquation) {
     EXPECT_EQ(reportOfWrongShape<Legacy>(1, 1, Legacy::row({})), failure(DimensionsMismatch));
 }
 
+TEST(CurrentLAPACK, MovedFromMatrixHasNoElementsForItsShape) {
+    Matrix2 m(2, 2, 1.0);
+    Matrix2 whole(std::move(m));
+    Vector2 b(2, 1.0);
+    Vector2 d(2, 1.0);
+    EXPECT_EQ(reportOf(LAPACK::gesv(m, b)), (Report{Report::Kind::System, -1})); // as every mismatch
+    EXPECT_EQ(reportOf(LAPACK::gels(NoTranspose, m, b)), failure(DimensionsMismatch));
+    EXPECT_EQ(reportOf(LAPACK::gelsd(m, b, 0.0)), failure(DimensionsMismatch));
+    EXPECT_EQ(reportOf(LAPACK::gglse(m, whole, b, d)), failure(DimensionsMismatch));
+    EXPECT_EQ(reportOf(LAPACK::gglse(whole, m, b, d)), failure(DimensionsMismatch));
+    EXPECT_TRUE(sameBits(valuesOf(b), std::vector<double>(2, 1.0)));
+}
+
 TEST(LegacyLAPACK, CopyOfAShrunkenMatrixIsSolvedInItsShape) {
     Matrix shrunken = matrixOf<Legacy>(2, 2, {2.0, 0.0, 0.0, 4.0});
     shrunken.resize(0, 0, 0.0); // the shape and the storage stay
