@@ -3,6 +3,7 @@
 #include "foundation/ElementwiseDispatch.h"
 #include "foundation/Operations.h"
 #include "kit/Bits.h"
+#include "kit/Children.h"
 #include "kit/Policies.h"
 
 #include <gtest/gtest.h>
@@ -132,8 +133,10 @@ TEST(FloatingPointEnvironment, LeavesTheCallersAsItWas) {
             std::feclearexcept(FE_ALL_EXCEPT);
             setting.apply();
             unsigned const before = _mm_getcsr();
+            int const x87RoundingBefore = std::fegetround();
             withItself(x, Multiply());
             EXPECT_EQ(_mm_getcsr(), before);
+            EXPECT_EQ(std::fegetround(), x87RoundingBefore);
         });
 }
 
@@ -162,6 +165,7 @@ TEST(FloatingPointEnvironment, OfOthersIsBorrowedAndGivenBack) {
             std::feclearexcept(FE_ALL_EXCEPT);
             others.apply();
             unsigned const othersState = _mm_getcsr() & ~static_cast<unsigned>(_MM_EXCEPT_MASK);
+            _mm_setcsr(othersState | _MM_EXCEPT_UNDERFLOW); // which is theirs alone
             int const othersRounding = std::fegetround();
             auto const borrowable = FloatingPointEnvironment::ofThisThread();
             std::thread([&] {
@@ -199,6 +203,24 @@ TEST(FloatingPointEnvironment, TakesOverWhichExceptionsTrap) {
         ElementwiseDispatch::transform(x.data(), x.data() + length, y.data(), ExceptionMask());
         EXPECT_TRUE(sameBits(y, expected));
     });
+}
+
+// The x87 unit traps at the next instruction when an exception is unmasked whose flag is raised already.
+TEST(FloatingPointEnvironment, OfAHostThatUnmasksExceptionsIsBorrowedWithFlagsRaised) {
+    auto const outcome = runInChild([] {
+        long double volatile zero = 0.0L, one = 1.0L;
+        feenableexcept(FE_DIVBYZERO);
+        auto const unmasked = FloatingPointEnvironment::ofThisThread();
+        fedisableexcept(FE_DIVBYZERO);
+        long double volatile quotient = one / zero;
+        bool const isRaised = std::fetestexcept(FE_DIVBYZERO) != 0;
+        {
+            FloatingPointEnvironment::Borrowed const borrowed(unmasked);
+            quotient = one / (one + one);
+        }
+        return isRaised && quotient == 0.5L ? 0 : 1;
+    });
+    EXPECT_TRUE(outcome.isClean()) << describe(outcome);
 }
 
 } // namespace
