@@ -44,6 +44,8 @@ TEST(AlignedAllocator, ThrowsWhenMemoryCannotBeHad) {
     AlignedAllocator allocator;
     EXPECT_THROW(static_cast<void>(allocator.allocate(SIZE_MAX / 8)), std::bad_alloc);
     EXPECT_THROW(static_cast<void>(allocator.allocate(SIZE_MAX)), std::bad_alloc);
+    // Whose bytes wrap around to 8.
+    EXPECT_THROW(static_cast<void>(allocator.allocate((std::size_t{1} << 61) + 1)), std::bad_alloc);
     if (TestKit::FailingAllocations::areSupported()) {
         TestKit::FailingAllocations const failing(1000);
         EXPECT_THROW(static_cast<void>(allocator.allocate(1000)), std::bad_alloc);

@@ -354,6 +354,58 @@ TEST(ElementwiseDispatch, SumsInFourLanesUnlessParallel) {
     EXPECT_TRUE(sameBits(sumInFourLanes({-0.0, -0.0}), 0.0));
 }
 
+/// Neighbours joined to one, their sums likewise, until there is one; an odd one waits.
+double joinedInATree(std::vector<double> sums) {
+    while (sums.size() > 1) {
+        std::vector<double> joined;
+        for (std::size_t i = 0; i + 1 < sums.size(); i += 2)
+            joined.push_back(sums[i] + sums[i + 1]);
+        if (sums.size() % 2 != 0)
+            joined.push_back(sums.back());
+        sums = std::move(joined);
+    }
+    return sums[0];
+}
+
+/// Elements dealt out to 32 running sums, what is left to 8, the rest one at a time.
+double sumOfBlock(double const* values, std::size_t n) {
+    std::size_t const dealtTo32 = n / 32 * 32, dealtTo8 = n / 8 * 8;
+    std::vector<double> running(32, 0.0), joined(8, 0.0);
+    for (std::size_t i = 0; i < dealtTo32; ++i)
+        running[i % 32] += values[i];
+    for (std::size_t lane = 0; lane < 8; ++lane)
+        joined[lane] = (running[lane] + running[lane + 8]) + (running[lane + 16] + running[lane + 24]);
+    for (std::size_t i = dealtTo32; i < dealtTo8; ++i)
+        joined[i % 8] += values[i];
+    for (std::size_t lane = 0; lane < 4; ++lane)
+        joined[lane] += joined[lane + 4];
+    double sum = (joined[0] + joined[2]) + (joined[1] + joined[3]);
+    for (std::size_t i = dealtTo8; i < n; ++i)
+        sum += values[i];
+    return sum;
+}
+
+// At most 256 blocks, of 8,192 elements or, of a longer range, as often twice as many as it takes.
+TEST(ElementwiseDispatch, SumsBlocksInATreeUnderTheParallelPolicies) {
+    for (std::size_t const n : {0,        1,       7,       8,       31,        32,          33,
+                                63,       64,      100,     8'191,   8'192,     8'193,       20'000,
+                                131'071,  131'072, 131'073, 200'000, 1'000'003, 256 * 8'192, 256 * 8'192 + 1,
+                                3'000'001}) {
+        std::vector<double> const values = ordinaryValues(n);
+        std::size_t const length = n <= 256 * 8'192 ? 8'192 : 2 * 8'192;
+        std::vector<double> blocks = {sumOfBlock(values.data(), std::min(n, length))};
+        for (std::size_t i = length; i < n; i += length)
+            blocks.push_back(sumOfBlock(values.data() + i, std::min(length, n - i)));
+        double const expected = joinedInATree(blocks);
+        for (AlgorithmExecutionPolicy const policy : {Parallel, ParallelUnsequenced}) {
+            PolicyScope const scope(policy);
+            for (int i = 0; i < 10; ++i) // the threads take turns in another order each time
+                EXPECT_TRUE(sameBits(ElementwiseDispatch::sum(values.data(), values.data() + n), expected))
+                    << n;
+        }
+    }
+}
+
 TEST(ElementwiseDispatch, SumsWithinTheErrorBoundInParallel) {
     for (std::size_t const n : awkwardLengthsAround(streamingLimit)) {
         std::vector<double> const values = ordinaryValues(n);
