@@ -122,6 +122,15 @@ bool letAllThreadsMeet(std::size_t count) {
     return isStocked;
 }
 
+// A caller may be in an arena of its host's that has no place for every thread. There they would wait for each
+// other until their patience ends, and those that did not come would be started, or refused, by a later loop.
+bool letAllThreadsMeetSomewhere(std::size_t count) {
+    auto const places = static_cast<int>(count);
+    if (tbb::this_task_arena::max_concurrency() >= places)
+        return letAllThreadsMeet(count);
+    return tbb::task_arena(places).execute([count] { return letAllThreadsMeet(count); });
+}
+
 enum class State : std::uint8_t {
     NotYet, ///< what it takes could not be had when it was last asked for
     Ready,
@@ -149,7 +158,7 @@ State startProcess() noexcept {
         keepsRuntime.value.initialize();
         std::size_t const threads = concurrencyLimit();
         stockThisThread(smallObjectsFor(threads));
-        if (!letAllThreadsMeet(threads))
+        if (!letAllThreadsMeetSomewhere(threads))
             return State::Unusable;
         startedThreads = threads;
         threadState = State::Ready;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
+#include <oneapi/tbb/task_arena.h>
 #include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -145,6 +146,20 @@ public:
     ThreadLimit& operator=(ThreadLimit const&) = delete;
 };
 
+/// The same where the host calls from an arena of its own without a place for a second thread, and no thread
+/// is to be had afterwards.
+void exitAfterWorkInASmallArena(AlgorithmExecutionPolicy policy) {
+    alarm(timeLimitInSeconds);
+    Work work(policy);
+    tbb::task_arena(1).execute([&] { work(3); });
+    {
+        ThreadLimit const fault(0);
+        work(3);
+    }
+    work(3);
+    std::exit(work.isRight() ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
 class ParallelRuntime : public testing::TestWithParam<AlgorithmExecutionPolicy> {
 protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
@@ -198,6 +213,10 @@ TEST_P(ParallelRuntime, IsDoneWithoutWhereThreadsAreRefused) {
                     ExitedWithCode(EXIT_SUCCESS), "")
             << threads << " threads";
     }
+}
+
+TEST_P(ParallelRuntime, StartsItsThreadsFromAnArenaWithoutPlacesForThem) {
+    EXPECT_EXIT(exitAfterWorkInASmallArena(GetParam()), ExitedWithCode(EXIT_SUCCESS), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(EachParallelPolicy, ParallelRuntime, testing::Values(Parallel, ParallelUnsequenced),
