@@ -52,6 +52,21 @@ void inOrder(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
         out[i] = op(in1[i], in2[i]);
 }
 
+/// @name The standard algorithm
+/// Compiled once for all callers of an operation: each copy might take the operands of a sum in another order,
+/// which shows where both are NaNs.
+/// @{
+template<class In, class Out, class Op>
+[[gnu::noinline]] Out* standard(In const* first, In const* last, Out* out, Op op) {
+    return std::transform(first, last, out, op);
+}
+
+template<class In1, class In2, class Out, class Op>
+[[gnu::noinline]] Out* standard(In1 const* first1, In1 const* last1, In2 const* first2, Out* out, Op op) {
+    return std::transform(first1, last1, first2, out, op);
+}
+/// @}
+
 /// Up to so many elements the call of a loop that the loader picked costs more than its wide registers save:
 /// a sum of 4 in place takes 5.7 ns by its own loop, 7.4 by a call.
 constexpr std::size_t few = 8;
@@ -125,7 +140,7 @@ public:
         auto const n = static_cast<std::size_t>(last - first);
         AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
         if (policy == Sequenced)
-            return std::transform(first, last, out, op);
+            return Detail::Kernels::standard(first, last, out, op);
         if (Detail::overlapPartly(first, out, n))
             Detail::Kernels::inOrder(first, out, n, op);
         else if (isParallel(policy, Op::cost, n))
@@ -145,7 +160,7 @@ public:
         auto const n = static_cast<std::size_t>(last1 - first1);
         AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
         if (policy == Sequenced)
-            return std::transform(first1, last1, first2, out, op);
+            return Detail::Kernels::standard(first1, last1, first2, out, op);
         if (Detail::overlapPartly(first1, out, n) || Detail::overlapPartly(first2, out, n))
             Detail::Kernels::inOrder(first1, first2, out, n, op);
         else if (isParallel(policy, Op::cost, n))
