@@ -267,6 +267,29 @@ TEST(ElementwiseDispatch, KeepsTheOrderOfTheWholeRangeUnderEveryPolicy) {
         });
 }
 
+struct SumOfParts {
+    static constexpr ElementCost cost = ElementCost::Streaming;
+    double operator()(std::complex<double> const& z) const { return z.real() + z.imag(); }
+};
+
+// Shorter elements at the beginning of longer ones: the second half of the output takes the place of inputs
+// that the first half still needs. Often, since threads that are not at work together do no harm.
+TEST(ElementwiseDispatch, KeepsTheOrderWhereElementsOfAnotherSizeBeginAtTheSamePlace) {
+    std::vector<double> const parts = ordinaryValues(8 * streamingLimit);
+    std::size_t const n = parts.size() / 2;
+    std::vector<double> expected(n);
+    for (std::size_t i = 0; i < n; ++i)
+        expected[i] = parts[2 * i] + parts[2 * i + 1];
+    for (int repetition = 0; repetition < 20; ++repetition)
+        forEachPolicy([&] {
+            std::vector<double> x = parts;
+            auto const* const z = reinterpret_cast<std::complex<double> const*>(x.data());
+            ElementwiseDispatch::transform(z, z + n, x.data(), SumOfParts());
+            x.resize(n);
+            EXPECT_TRUE(sameBits(x, expected));
+        });
+}
+
 TEST(ElementwiseDispatch, GivesNoRangeToAnOperationWhereTheOutputOverlapsTheInputPartly) {
     for (std::size_t const n : {std::size_t{100}, 4 * functionLimit})
         forEachPolicy([&] {

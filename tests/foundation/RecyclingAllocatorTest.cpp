@@ -107,6 +107,10 @@ TEST(RecyclingAllocator, GivesDisjointBlocksOfTheFullLengthOnCacheLines) {
     }
 }
 
+TEST(RecyclingAllocator, ComparesEqualAlways) {
+    EXPECT_TRUE(RecyclingAllocator() == RecyclingAllocator());
+}
+
 TEST(RecyclingAllocator, GivesNullForNothing) {
     EXPECT_EQ(take(0), nullptr);
     giveBack(nullptr, 0);

@@ -75,6 +75,13 @@ void limitAddressSpace(std::size_t spareKiB) {
     setrlimit(RLIMIT_AS, &limit);
 }
 
+/// Lets this process start no thread any more. The system lets the superuser, so the process becomes another's.
+/// @return whether that worked
+bool refuseThreads() {
+    rlimit const none{};
+    return setrlimit(RLIMIT_NPROC, &none) == 0 && (geteuid() != 0 || setuid(65'534) == 0);
+}
+
 double processorSeconds() {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
@@ -150,6 +157,14 @@ TEST(ThreadUse, ChildOfForkComputesLikeItsParent) {
     EXPECT_EQ(problem.run(), 0);
 }
 
+// It has none of its parent's threads.
+TEST(ThreadUse, ChildOfForkComputesAloneWhereThreadsAreRefused) {
+    Problem problem;
+    ASSERT_EQ(problem.run(), 0);
+    auto const outcome = runInChild([&] { return refuseThreads() ? problem.run() : 0; });
+    EXPECT_TRUE(outcome.isClean()) << describe(outcome);
+}
+
 // The OpenMP runtime lets its threads look for work for 200 ms.
 TEST(ThreadUse, IdleHostPaysForNoThreads) {
     Problem problem;
@@ -206,11 +221,11 @@ double shareOfOtherThreads(Problem& problem) {
     return 1.0 - (now(CLOCK_THREAD_CPUTIME_ID) - own) / (now(CLOCK_PROCESS_CPUTIME_ID) - all);
 }
 
-// A small call takes the calling thread alone, and only for itself. What was started once is not asked for
-// again: there would be nothing to be had.
-TEST(ThreadUse, LargeProductsAreSpreadAfterSmallOnesAndWithNothingLeftToStartThreadsFrom) {
-    if (!hasThreadsToUse() || !TestKit::FailingAllocations::areSupported())
-        GTEST_SKIP() << "oneMKL computes on the calling thread here, or the sanitizers need address space";
+// A small call takes the calling thread alone, and only for itself. Threads that are there are not asked for
+// again.
+TEST(ThreadUse, LargeProductsAreSpreadAfterSmallOnesAndWhereNoMoreThreadsAreToBeHad) {
+    if (!hasThreadsToUse())
+        GTEST_SKIP() << "oneMKL computes on the calling thread here";
     auto const outcome = runInChild([] {
         Problem problem;
         Matrix2 const small(2, 2, 1.0);
@@ -218,8 +233,22 @@ TEST(ThreadUse, LargeProductsAreSpreadAfterSmallOnesAndWithNothingLeftToStartThr
             return 1;
         if (shareOfOtherThreads(problem) < 0.2)
             return 2;
-        limitAddressSpace(64);
-        return shareOfOtherThreads(problem) < 0.2 ? 3 : 0;
+        return !refuseThreads() || shareOfOtherThreads(problem) >= 0.2 ? 0 : 3;
+    });
+    EXPECT_TRUE(outcome.isClean()) << describe(outcome);
+}
+
+// oneMKL counts on teams of the size that it asks for.
+TEST(ThreadUse, HostThatLetsTheRuntimeAdjustItsTeamsGetsProductsOfTheCallingThread) {
+    auto const letAdjust = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_dynamic"));
+    if (!hasThreadsToUse() || letAdjust == nullptr)
+        GTEST_SKIP() << "oneMKL computes on the calling thread here";
+    auto const outcome = runInChild([=] {
+        Problem problem;
+        if (problem.run() != 0)
+            return 1;
+        letAdjust(1);
+        return shareOfOtherThreads(problem) < 0.1 && problem.run() == 0 ? 0 : 2;
     });
     EXPECT_TRUE(outcome.isClean()) << describe(outcome);
 }
@@ -228,10 +257,14 @@ TEST(ThreadUse, OpenMPSettingsOfTheHostStayAsTheyAre) {
     auto const blockTime = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "kmp_get_blocktime"));
     if (blockTime == nullptr)
         GTEST_SKIP() << "built without LLVM's OpenMP runtime";
-    int const before = blockTime();
+    auto const setBlockTime = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "kmp_set_blocktime"));
     Problem problem;
-    ASSERT_EQ(problem.run(), 0);
-    EXPECT_EQ(blockTime(), before);
+    for (int const milliseconds : {200, 5}) { // the runtime's own, and one that a host has chosen
+        setBlockTime(milliseconds);
+        ASSERT_EQ(problem.run(), 0);
+        EXPECT_EQ(blockTime(), milliseconds);
+    }
+    setBlockTime(200);
 }
 
 TEST(ThreadUse, ThreadsThatEndMayBeFollowedByOthers) {
