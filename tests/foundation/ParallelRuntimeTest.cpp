@@ -18,16 +18,26 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <thread>
 
-// Stands before the C library's, for oneTBB and the library too.
+// These stand before the C library's, for oneTBB and the library too.
 namespace {
 
 std::atomic<int> threadsAllowed{1'000};
+std::atomic<bool> isRuntimesAllocatorInstalled{true};
 
 } // namespace
+
+extern "C" __attribute__((visibility("default"))) void* dlopen(char const* file, int mode) {
+    using Open = void* (*)(char const*, int);
+    static auto const open = reinterpret_cast<Open>(dlsym(RTLD_NEXT, "dlopen"));
+    if (file != nullptr && std::strstr(file, "libtbbmalloc") != nullptr && !isRuntimesAllocatorInstalled)
+        return nullptr;
+    return open(file, mode);
+}
 
 extern "C" __attribute__((visibility("default"))) int
 pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*routine)(void*), void* argument) {
@@ -167,26 +177,45 @@ protected:
 
 using testing::ExitedWithCode;
 
+/// Lets the allocations 1 to `last` fail one by one, and all from there on.
+void expectWorkIsDoneWithout(AlgorithmExecutionPolicy policy, std::size_t last) {
+    for (std::size_t n = 1; n <= last; ++n)
+        for (auto const faults : {FaultyHeap::Faults::One, FaultyHeap::Faults::AllFromThere}) {
+            EXPECT_EXIT(exitAfterWorkDuring<FaultyHeap>(policy, n, faults), ExitedWithCode(EXIT_SUCCESS), "")
+                << "allocation " << n << (faults == FaultyHeap::Faults::One ? "" : " and all that follow");
+        }
+}
+
+/// The same for allocations of a thread that has never used the runtime.
+void expectWorkOfANewThreadIsDoneWithout(AlgorithmExecutionPolicy policy) {
+    for (std::size_t n = 1; n <= 200; n += 7)
+        for (auto const faults : {FaultyHeap::Faults::One, FaultyHeap::Faults::AllFromThere}) {
+            EXPECT_EXIT(exitAfterWorkOfANewThreadDuring<FaultyHeap>(policy, n, faults),
+                        ExitedWithCode(EXIT_SUCCESS), "")
+                << "allocation " << n << (faults == FaultyHeap::Faults::One ? "" : " and all that follow");
+        }
+}
+
 TEST_P(ParallelRuntime, IsDoneWithoutWhenAnAllocationFails) {
     if (!FaultyHeap::isSupported())
         GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
-    for (std::size_t n = 1; n <= 60; ++n)
-        for (auto const faults : {FaultyHeap::Faults::One, FaultyHeap::Faults::AllFromThere}) {
-            EXPECT_EXIT(exitAfterWorkDuring<FaultyHeap>(GetParam(), n, faults), ExitedWithCode(EXIT_SUCCESS),
-                        "")
-                << "allocation " << n << (faults == FaultyHeap::Faults::One ? "" : " and all that follow");
-        }
+    expectWorkIsDoneWithout(GetParam(), 60);
 }
 
 TEST_P(ParallelRuntime, IsDoneWithoutWhenAnAllocationOfANewThreadFails) {
     if (!FaultyHeap::isSupported())
         GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
-    for (std::size_t n = 1; n <= 200; n += 7)
-        for (auto const faults : {FaultyHeap::Faults::One, FaultyHeap::Faults::AllFromThere}) {
-            EXPECT_EXIT(exitAfterWorkOfANewThreadDuring<FaultyHeap>(GetParam(), n, faults),
-                        ExitedWithCode(EXIT_SUCCESS), "")
-                << "allocation " << n << (faults == FaultyHeap::Faults::One ? "" : " and all that follow");
-        }
+    expectWorkOfANewThreadIsDoneWithout(GetParam());
+}
+
+// The runtime then takes everything from the heap.
+TEST_P(ParallelRuntime, IsDoneWithoutWhenAnAllocationFailsWhereItHasNoAllocatorOfItsOwn) {
+    if (!FaultyHeap::isSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    isRuntimesAllocatorInstalled = false;
+    expectWorkIsDoneWithout(GetParam(), 120);
+    expectWorkOfANewThreadIsDoneWithout(GetParam());
+    isRuntimesAllocatorInstalled = true;
 }
 
 TEST_P(ParallelRuntime, IsDoneWithoutWhereNoAddressSpaceIsLeft) {
