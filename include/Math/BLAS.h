@@ -38,7 +38,8 @@ namespace BLAS {
 
 /// C := alpha op(A) op(B) + beta C, with op(A) M x K, op(B) K x N and C M x N. The first form works on the
 /// caller's C and gives its address; the others make C, with beta = 0 and, where it is not given, alpha = 1.
-/// With beta = 0 what C held does not matter, NaNs included.
+/// With beta = 0 what C held does not matter, NaNs included. With alpha = 0 oneMKL may read the operands all
+/// the same, where the product has two columns for example: a NaN in them may then come through.
 ///
 /// A Transpose that is not listed counts as a transposition for the shapes, and as none for the routine
 /// (compatibility C44).
