@@ -7,10 +7,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace Tervane::Math::Endurance {
 
@@ -29,7 +31,9 @@ TEST(FlatMemory, HoldsForEveryOperation) {
     std::size_t const calls = isLongForm() ? 1'000'000 : 1'000;
     // Less than a pointer a call in the long form; in the quick one a leak of a vector of 16 elements shows.
     constexpr std::ptrdiff_t mostBytes = 64 * 1024;
-    for (Operation const& operation : everyOperation(16)) {
+    std::ptrdiff_t mostHeap = 0, mostResident = 0;
+    std::vector<Operation> const operations = everyOperation(16);
+    for (Operation const& operation : operations) {
         SCOPED_TRACE(operation.name);
         for (int i = 0; i < 100; ++i)
             operation.run();
@@ -37,12 +41,19 @@ TEST(FlatMemory, HoldsForEveryOperation) {
         std::ptrdiff_t const residentBefore = residentBytes();
         for (std::size_t i = 0; i < calls; ++i)
             operation.run();
-        EXPECT_LT(static_cast<std::ptrdiff_t>(TestKit::heapInUse()) - before, mostBytes);
+        std::ptrdiff_t const heapGrowth = static_cast<std::ptrdiff_t>(TestKit::heapInUse()) - before;
+        std::ptrdiff_t const residentGrowth = residentBytes() - residentBefore;
+        EXPECT_LT(heapGrowth, mostBytes);
         // Sanitizers keep what is released for a while.
         if (TestKit::FailingAllocations::areSupported()) {
-            EXPECT_LT(residentBytes() - residentBefore, std::ptrdiff_t{4} << 20);
+            EXPECT_LT(residentGrowth, std::ptrdiff_t{4} << 20);
         }
+        mostHeap = std::max(mostHeap, heapGrowth);
+        mostResident = std::max(mostResident, residentGrowth);
     }
+    RecordProperty("operations", static_cast<int>(operations.size()));
+    RecordProperty("most_heap_growth_in_bytes", static_cast<int>(mostHeap));
+    RecordProperty("most_resident_growth_in_bytes", static_cast<int>(mostResident));
 }
 
 } // namespace
