@@ -27,6 +27,7 @@ void registerSide(std::string const& name, long n, auto const& run) {
     benchmark::RegisterBenchmark(name.c_str(), run)->Arg(n)->UseRealTime();
 }
 
+/// The expression returns a vector: what an expression template returns may refer to parts of it that are gone.
 void registerExpression(std::string const& subject, long n, auto const& expression) {
     registerSide(subject + "/armadillo", n, [expression](benchmark::State& state) {
         auto const length = static_cast<arma::uword>(state.range(0));
@@ -47,13 +48,13 @@ void registerExpression(std::string const& subject, long n, auto const& expressi
 
 void registerSides(std::string const& subject, long n) {
     if (subject == "a+b")
-        registerExpression(subject, n, [](auto const& a, auto const& b) { return a + b; });
+        registerExpression(subject, n, []<class V>(V const& a, V const& b) -> V { return a + b; });
     if (subject == "a*s")
-        registerExpression(subject, n, [](auto const& a, auto const& /*b*/) { return a * 1.0001; });
+        registerExpression(subject, n, []<class V>(V const& a, V const& /*b*/) -> V { return a * 1.0001; });
     if (subject == "a+b+c")
-        registerExpression(subject, n, [](auto const& a, auto const& b) { return a + b + a; });
+        registerExpression(subject, n, []<class V>(V const& a, V const& b) -> V { return a + b + a; });
     if (subject == "-a")
-        registerExpression(subject, n, [](auto const& a, auto const& /*b*/) { return -a; });
+        registerExpression(subject, n, []<class V>(V const& a, V const& /*b*/) -> V { return -a; });
 }
 
 } // namespace OtherReferences
