@@ -66,7 +66,8 @@ def output_of(*command):
 
 
 def load_of(context):
-    return context.get("load_avg", [0.0])[0] / context["num_cpus"]
+    """Other programs for each core, from the second before the benchmarks where that was measured."""
+    return float(context["busy"]) if "busy" in context else context.get("load_avg", [0.0])[0] / context["num_cpus"]
 
 
 def conditions(context, rounds):

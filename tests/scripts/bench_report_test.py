@@ -17,7 +17,8 @@ def run(name, nanoseconds, unit="ns", kind="iteration", **counters):
 def main():
     script = sys.argv[1]
     results = {
-        "context": {"num_cpus": 2, "date": "2020-02-29T12:00:00+00:00"},
+        # What was measured just before counts, not the load average, which holds what ran minutes ago.
+        "context": {"num_cpus": 2, "date": "2020-02-29T12:00:00+00:00", "load_avg": [9.0, 9.0, 9.0], "busy": "0.25"},
         "benchmarks": [
             # The median of an odd number of samples is the one in the middle, whatever the others are.
             *(run("Add/inline/64", t) for t in (20.0, 1.0, 9000.0)),
@@ -52,6 +53,13 @@ def main():
             ]
             if len(found) != 1:
                 failures.append(f"{subject} {length}: no single line says {ratio}")
+        if "warning" in output:
+            failures.append("a warning of a machine that was quiet")
+        results["context"]["busy"] = "0.75"
+        path.write_text(json.dumps(results), encoding="utf-8")
+        busy = subprocess.run([sys.executable, script, path], check=True, capture_output=True, text=True).stdout
+        if not busy.startswith("warning: 0.75 "):
+            failures.append("no warning of a machine that was busy")
         plot = path.with_name("made_up-Add.png")
         if not plot.exists() or not plot.read_bytes().startswith(b"\x89PNG"):
             failures.append("no plot of the subject with two lengths")
