@@ -80,8 +80,9 @@ def conditions(context, rounds):
     load = load_of(context)
     lines = [
         f"{context['num_cpus']} cores of {model}, {context['date'][:10]}, smallest, median and largest of {rounds} rounds",
-        f"commit {output_of('git', 'describe', '--always', '--dirty') or 'unknown'}, "
-        f"{output_of('c++', '--version').splitlines()[0]} -O3 (references -O3 -march=native), {', '.join(versions)}",
+        f"commit {context.get('commit', 'unknown')}, "
+        f"{output_of('c++', '--version').splitlines()[0]} -O3 (references -O3 -march=native)",
+        ", ".join(versions),
         f"load when it began: {load:.2f} a core",
     ]
     if load > BUSY:
@@ -118,6 +119,8 @@ def draw(times, operations, context, folder, stem):
         for i, side in enumerate(sides):
             middle = 2 + 3 * i
             style = "dashtype 2 linecolor 'black'" if side == "limit" else f"linecolor {i + 1}"
+            if side in LIBRARY_SIDES:
+                style += " linewidth 3"
             curves.append(f"'{data}' using 1:{middle} with lines {style} title '{side}'")
             curves.append(f"'{data}' using 1:{middle}:{middle + 1}:{middle + 2} with yerrorbars pointtype 7 {style} notitle")
         rounds = max(len(samples) for by_side in by_length.values() for samples in by_side.values())
