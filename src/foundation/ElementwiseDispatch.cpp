@@ -25,9 +25,18 @@ TVNMATH_MULTIVERSION double sumInFourLanes(double const* values, std::size_t n) 
     return total;
 }
 
-TVNMATH_MULTIVERSION double sumOfBlock(double const* values, std::size_t n) noexcept {
-    return Detail::reduceInLanes(values, n, 0.0, [](double a, double b) { return a + b; });
-}
+struct AddTo {
+    [[gnu::always_inline]] void operator()(auto& total, auto const& more) const noexcept {
+        total = total + more;
+    }
+};
+
+#define TVNMATH_SUM_OF_BLOCK(ATTRIBUTE, WIDTH)                                                               \
+    ATTRIBUTE double sumOfBlock(double const* values, std::size_t n) noexcept {                              \
+        return Detail::reduceInLanes<WIDTH>(values, n, 0.0, AddTo());                                        \
+    }
+TVNMATH_EACH_VERSION(TVNMATH_SUM_OF_BLOCK)
+#undef TVNMATH_SUM_OF_BLOCK
 
 // The blocks of a sum under the parallel policies depend on its length alone, so that it has the same bits
 // whoever sums them. The shortest are worth handing to another thread; there are never more than can be kept
@@ -58,6 +67,21 @@ double joinedInATree(double* sums, std::size_t count) noexcept {
     return sums[0];
 }
 
+// Apart from the sum of one block, which needs none of this room.
+[[gnu::noinline]] double sumOfBlocks(AlgorithmExecutionPolicy policy, double const* first, std::size_t n) {
+    std::size_t const length = blockLengthFor(n);
+    std::array<double, mostBlocks> sums;
+    auto const sumBlocks = [=, &sums](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; i += length)
+            sums[i / length] = sumOfBlock(first + i, std::min(length, end - i));
+    };
+    if (n >= shortestParallelSum)
+        Detail::parallelFor(policy, n, shortestBlock, sumBlocks, length);
+    else
+        sumBlocks(0, 0, n);
+    return joinedInATree(sums.data(), (n + length - 1) / length);
+}
+
 } // namespace
 
 double* ElementwiseDispatch::fill(double* first, double* last, double value) {
@@ -78,19 +102,7 @@ double ElementwiseDispatch::sum(double const* first, double const* last) {
     AlgorithmExecutionPolicy const policy = Detail::executionPolicy();
     if (policy != Parallel && policy != ParallelUnsequenced)
         return sumInFourLanes(first, n);
-    if (n <= shortestBlock)
-        return sumOfBlock(first, n);
-    std::size_t const length = blockLengthFor(n);
-    std::array<double, mostBlocks> sums;
-    auto const sumBlocks = [=, &sums](std::size_t /*chunk*/, std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; i += length)
-            sums[i / length] = sumOfBlock(first + i, std::min(length, end - i));
-    };
-    if (n >= shortestParallelSum)
-        Detail::parallelFor(policy, n, shortestBlock, sumBlocks, length);
-    else
-        sumBlocks(0, 0, n);
-    return joinedInATree(sums.data(), (n + length - 1) / length);
+    return n <= shortestBlock ? sumOfBlock(first, n) : sumOfBlocks(policy, first, n);
 }
 
 } // namespace Tervane::Math

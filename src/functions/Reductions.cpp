@@ -19,15 +19,24 @@ double meanOf(double const* values, std::size_t n) noexcept {
     return total / static_cast<double>(n);
 }
 
+struct TakeLarger {
+    [[gnu::always_inline]] void operator()(auto& largest, auto const& other) const noexcept {
+        largest = largest < other ? other : largest;
+    }
+};
+
 // `a < b ? b : a` is the comparison of std::max_element: it keeps a where b is a NaN, and is one instruction.
 // All running maxima start with the first element, so that a NaN in front stays the result (compatibility
 // C43): no element is above it. Which of several equal elements came first is lost; that shows with 0.0 and
 // -0.0 only, and maximumOf() mends it.
 //
 // @pre n is not 0
-TVNMATH_MULTIVERSION double someMaximum(double const* values, std::size_t n) noexcept {
-    return Detail::reduceInLanes(values, n, values[0], [](double a, double b) { return a < b ? b : a; });
-}
+#define TVNMATH_SOME_MAXIMUM(ATTRIBUTE, WIDTH)                                                               \
+    ATTRIBUTE double someMaximum(double const* values, std::size_t n) noexcept {                             \
+        return Detail::reduceInLanes<WIDTH>(values, n, values[0], TakeLarger());                             \
+    }
+TVNMATH_EACH_VERSION(TVNMATH_SOME_MAXIMUM)
+#undef TVNMATH_SOME_MAXIMUM
 
 double maximumOf(double const* values, std::size_t n) noexcept {
     if (n == 0)
