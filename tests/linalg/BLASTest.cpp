@@ -182,6 +182,24 @@ TYPED_TEST(Gemm, MakesItsResult) {
     }
 }
 
+// A result of negative zeros would show that zeros were added to it.
+TYPED_TEST(Gemm, MakesTheBitsThatABetaOfZeroLeaves) {
+    for (std::size_t const k : {1, 2, 8}) {
+        Table a = table(5, k, 1), b = table(k, 6, 2), c = table(5, 6, 3);
+        a.elements.assign(5 * k, -1.0);
+        b.elements.assign(k * 6, 0.0);
+        for (double const alpha : {1.0, -1.0}) {
+            auto into = c.as<TypeParam>();
+            ASSERT_EQ(TypeParam::gemm(NoTranspose, NoTranspose, alpha, a.as<TypeParam>(), b.as<TypeParam>(),
+                                      0.0, into),
+                      success);
+            auto const made =
+                TypeParam::gemm(NoTranspose, NoTranspose, alpha, a.as<TypeParam>(), b.as<TypeParam>());
+            EXPECT_TRUE(sameBits(elementsOf(*made.first), elementsOf(into))) << k << ", alpha " << alpha;
+        }
+    }
+}
+
 TYPED_TEST(Gemm, RefusesAResultOrAnInnerSizeThatDoesNotFitAndLeavesTheResultAlone) {
     Table const fitting = table(3, 5, 3);
     for (Transpose const transA : transpositions)

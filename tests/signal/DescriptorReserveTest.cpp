@@ -97,8 +97,10 @@ TEST(DescriptorReserve, StandsInWhereTheHeapRefuses) {
     {
         TestKit::FailingAllocations const failing(0);
         block = i_malloc(size);
-        if (reserve.owns(block)) // and then is the first of them
+        if (reserve.owns(block)) { // and then is the first of them
             std::memset(block, 7, DescriptorReserve::blocks * size);
+            std::memset(block, 9, size);
+        }
         moved = i_realloc(block, size);
         zeros = i_calloc(size / 8, 8);
         larger = i_malloc(size + 1);
@@ -112,7 +114,7 @@ TEST(DescriptorReserve, StandsInWhereTheHeapRefuses) {
         ASSERT_NE(p, nullptr);
         EXPECT_TRUE(reserve.owns(p));
     }
-    EXPECT_TRUE(isFilledWith(7, moved, size));
+    EXPECT_TRUE(isFilledWith(9, moved, size));
     EXPECT_TRUE(isFilledWith(0, zeros, size));
     EXPECT_EQ(larger, nullptr);
     EXPECT_EQ(largerZeros, nullptr);
