@@ -27,7 +27,8 @@ void registerSide(std::string const& name, long n, auto const& run) {
     benchmark::RegisterBenchmark(name.c_str(), run)->Arg(n)->UseRealTime();
 }
 
-/// The expression returns a vector: what an expression template returns may refer to parts of it that are gone.
+/// The expression returns a vector: what an expression template returns may refer to parts of it that are
+/// gone.
 void registerExpression(std::string const& subject, long n, auto const& expression) {
     registerSide(subject + "/armadillo", n, [expression](benchmark::State& state) {
         auto const length = static_cast<arma::uword>(state.range(0));

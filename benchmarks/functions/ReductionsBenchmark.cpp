@@ -1,5 +1,5 @@
-// The sum against the best loop in its own order and against Eigen's, the maximum against the standard search and
-// Eigen's.
+// The sum against the best loop in its own order and against Eigen's, the maximum against the standard
+// search and Eigen's.
 
 #include "functions/Inputs.h"
 #include "limits/Limits.h"

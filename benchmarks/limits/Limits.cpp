@@ -71,7 +71,8 @@ double read(double const* x, std::size_t n) {
     return total;
 }
 
-/// Sixteen chains of multiplications and additions, each in a register: two units with a latency of four are kept busy.
+/// Sixteen chains of multiplications and additions, each in a register: two units with a latency of four
+/// are kept busy.
 void multiplyAdd(double operations) {
     constexpr std::size_t chains = 16, lanes = sizeof(Lanes) / sizeof(double);
     std::array<Lanes, chains> x;

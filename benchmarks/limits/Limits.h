@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What the machine can do: the side `limit` of each subject. One loop, compiled for this machine's instruction set, over
-/// storage that is there already.
+/// What the machine can do: the side `limit` of each subject. One loop, compiled for this machine's
+/// instruction set, over storage that is there already.
 
 #include <benchmark/benchmark.h>
 
@@ -14,7 +14,8 @@ namespace Tervane::Math::Bench {
 /// `out[i]` from `a[i]` and `b[i]` in one loop; `out` may be `a`.
 using Loop = void (*)(double const* a, double const* b, double* out, std::size_t n);
 
-/// The loop of the expression, written as in the plots: "a+b", "a*s" and so on. Ends the program when it is not listed.
+/// The loop of the expression, written as in the plots: "a+b", "a*s" and so on. Ends the program when it is
+/// not listed.
 Loop loopOf(std::string const& expression);
 
 struct LoopShape {
@@ -26,13 +27,13 @@ struct LoopShape {
 void registerLoopLimit(std::string const& subject, std::string const& expression, long n,
                        LoopShape shape = {});
 
-/// Registers `subject/limit/n`: `doublesPerCall` numbers are read once. Where a call has floating-point operations to
-/// be counted, their number goes into the results, and the plot shows operations per second.
+/// Registers `subject/limit/n`: `doublesPerCall` numbers are read once. Where a call has floating-point
+/// operations to be counted, their number goes into the results, and the plot shows operations per second.
 void registerReadLimit(std::string const& subject, long n, long doublesPerCall,
                        double operationsPerCall = 0.0);
 
-/// Registers `subject/limit/n`: so many floating-point operations, as multiplications fused with additions in registers,
-/// shared by all processors. Their number goes into the results.
+/// Registers `subject/limit/n`: so many floating-point operations, as multiplications fused with additions
+/// in registers, shared by all processors. Their number goes into the results.
 void registerArithmeticLimit(std::string const& subject, long n, double operationsPerCall);
 
 } // namespace Tervane::Math::Bench

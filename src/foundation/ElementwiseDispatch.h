@@ -53,8 +53,8 @@ void inOrder(In1 const* in1, In2 const* in2, Out* out, std::size_t n, Op op) {
 }
 
 /// @name The standard algorithm
-/// Compiled once for all callers of an operation: each copy might take the operands of a sum in another order,
-/// which shows where both are NaNs.
+/// Compiled once for all callers of an operation: each copy might take the operands of a sum in another
+/// order, which shows where both are NaNs.
 /// @{
 template<class In, class Out, class Op>
 [[gnu::noinline]] Out* standard(In const* first, In const* last, Out* out, Op op) {

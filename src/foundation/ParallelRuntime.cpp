@@ -122,8 +122,9 @@ bool letAllThreadsMeet(std::size_t count) {
     return isStocked;
 }
 
-// A caller may be in an arena of its host's that has no place for every thread. There they would wait for each
-// other until their patience ends, and those that did not come would be started, or refused, by a later loop.
+// A caller may be in an arena of its host's that has no place for every thread. There they would wait for
+// each other until their patience ends, and those that did not come would be started, or refused, by a
+// later loop.
 bool letAllThreadsMeetSomewhere(std::size_t count) {
     auto const places = static_cast<int>(count);
     if (tbb::this_task_arena::max_concurrency() >= places)

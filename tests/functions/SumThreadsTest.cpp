@@ -1,6 +1,6 @@
-// A sum under the parallel policies has the same bits in a process with one processor, in one that believes in
-// any other number of them, and in a host that sets the runtime's threads. The runtime and the library look
-// once, so each case is a child that begins anew; the parent uses neither.
+// A sum under the parallel policies has the same bits in a process with one processor, in one that believes
+// in any other number of them, and in a host that sets the runtime's threads. The runtime and the library
+// look once, so each case is a child that begins anew; the parent uses neither.
 
 #include "kit/Children.h"
 #include "kit/Policies.h"
@@ -50,8 +50,8 @@ namespace {
 
 constexpr int failed = 1;
 
-/// Prints the bits of sums on one thread and on several, in blocks of every kind: one and part of one, as many
-/// as there may be at their shortest, longer ones.
+/// Prints the bits of sums on one thread and on several, in blocks of every kind: one and part of one, as
+/// many as there may be at their shortest, longer ones.
 int printSums() {
     for (std::size_t const n : {8'191, 8'193, 131'071, 131'072, 131'073, 200'000, 1'000'003, 256 * 8'192,
                                 256 * 8'192 + 45, 3'000'001}) {
