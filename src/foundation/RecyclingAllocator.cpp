@@ -91,6 +91,7 @@ constexpr std::size_t mostBytesKept = [] {
 
 static_assert(classOf(RecyclingAllocator::longestKept) == classCount - 1);
 static_assert(elementsOf(classCount - 1) == RecyclingAllocator::longestKept);
+static_assert(!isKept(RecyclingAllocator::longestKept + 1), "there is no class for it");
 static_assert(mostBytesKept == std::size_t{868} * 1'024, "the header says so");
 
 /// A kept block, which holds the link to the next one.

@@ -187,6 +187,19 @@ TEST(FloatingPointEnvironment, OfOthersIsBorrowedAndGivenBack) {
         }
 }
 
+TEST(FloatingPointEnvironment, OfOthersIsInstalledForGood) {
+    EnvironmentScope const environment;
+    std::fesetround(FE_UPWARD);
+    auto const others = FloatingPointEnvironment::ofThisThread();
+    unsigned const othersState = _mm_getcsr() & ~static_cast<unsigned>(_MM_EXCEPT_MASK);
+    std::thread([&] {
+        std::fesetround(FE_TONEAREST);
+        others.install(_MM_EXCEPT_OVERFLOW);
+        EXPECT_EQ(_mm_getcsr(), othersState | _MM_EXCEPT_OVERFLOW);
+        EXPECT_EQ(std::fegetround(), FE_UPWARD); // of the x87 unit
+    }).join();
+}
+
 struct ExceptionMask {
     static constexpr ElementCost cost = ElementCost::Function;
     double operator()(double /*x*/) const { return _MM_GET_EXCEPTION_MASK(); }

@@ -14,8 +14,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <new>
 #include <set>
+#include <sstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -83,6 +86,23 @@ std::size_t growthOverThreads(Body const& body) {
         run();
     std::size_t const after = TestKit::heapInUse();
     return after > before ? after - before : 0;
+}
+
+/// What the system says of the mapping that an address lies in, "hg" where huge pages are asked for; nothing
+/// where it does not tell.
+std::string mappingFlags(void const* p) {
+    auto const address = reinterpret_cast<std::uintptr_t>(p);
+    std::ifstream mappings("/proc/self/smaps");
+    bool isHere = false;
+    for (std::string line; std::getline(mappings, line);) {
+        std::uintptr_t begin = 0, end = 0;
+        char dash = 0;
+        if (std::istringstream(line) >> std::hex >> begin >> dash >> end && dash == '-')
+            isHere = begin <= address && address < end;
+        else if (isHere && line.starts_with("VmFlags:"))
+            return line;
+    }
+    return "";
 }
 
 constexpr std::size_t muchLessThanIsKept = 4U << 20;
@@ -158,6 +178,16 @@ TEST(RecyclingAllocator, KeepsNoMoreThanItSays) {
         newOnesAmong(5, RecyclingAllocator::longestKept + 1);
         EXPECT_EQ(newOnesAmong(5, RecyclingAllocator::longestKept + 1), 5U);
     }).join();
+}
+
+TEST(RecyclingAllocator, AsksForHugePagesFromFourMebibytesOn) {
+    constexpr std::size_t shortest = (std::size_t{4} << 20) / sizeof(double);
+    double* const p = take(shortest);
+    std::string const flags = mappingFlags(p + shortest / 2);
+    giveBack(p, shortest);
+    if (flags.empty() || !std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled"))
+        GTEST_SKIP() << "this system has no huge pages, or does not tell";
+    EXPECT_NE(flags.find(" hg"), std::string::npos) << flags;
 }
 
 TEST(RecyclingAllocator, TakesABlockBackOnAnotherThread) {

@@ -217,6 +217,26 @@ TYPED_TEST(LeastSquares, UnderdeterminedSystemGetsTheShortestSolution) {
     }
 }
 
+// From 26 unknowns on the singular value decomposition divides the problem and takes a workspace of integers.
+TYPED_TEST(LeastSquares, ManyUnknownsAreFound) {
+    constexpr std::size_t rows = 90, columns = 70;
+    std::vector<double> elements(rows * columns), solution(columns), rightHandSide(rows, 0.0);
+    for (std::size_t j = 0; j < columns; ++j) {
+        solution[j] = static_cast<double>(j) - 30.0;
+        for (std::size_t i = 0; i < rows; ++i) {
+            double const element = (i == j ? 4.0 : 0.0) + 1.0 / static_cast<double>(1 + i + j);
+            elements[i + j * rows] = element;
+            rightHandSide[i] += element * solution[j];
+        }
+    }
+    for (Driver const driver : drivers) {
+        auto a = matrixOf<TypeParam>(rows, columns, elements);
+        auto b = TypeParam::column(rightHandSide);
+        ASSERT_EQ(leastSquares<TypeParam>(driver, a, b), success);
+        EXPECT_TRUE(within(1e-11, leading(valuesOf(b), columns), solution));
+    }
+}
+
 TYPED_TEST(LeastSquares, LongerRightHandSideKeepsWhatLiesBehind) {
     for (Driver const driver : drivers) {
         auto a = matrixOf<TypeParam>(4, 2, orthogonal);

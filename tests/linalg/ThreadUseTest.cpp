@@ -75,7 +75,8 @@ void limitAddressSpace(std::size_t spareKiB) {
     setrlimit(RLIMIT_AS, &limit);
 }
 
-/// Lets this process start no thread any more. The system lets the superuser, so the process becomes another's.
+/// Lets this process start no thread any more. The system lets the superuser, so the process becomes
+/// another's.
 /// @return whether that worked
 bool refuseThreads() {
     rlimit const none{};
@@ -132,6 +133,30 @@ TEST(ThreadUse, SmallProductsWithVectorsLeaveTheOpenMPRuntimeAlone) {
     EXPECT_EXIT(multiplySmall(), testing::ExitedWithCode(0), "^$");
     EXPECT_EXIT(std::exit(multiply(order, order) ? 0 : 1), testing::ExitedWithCode(0),
                 "OPENMP DISPLAY ENVIRONMENT");
+}
+
+// Nor do small systems, also those with more right-hand sides than equations.
+TEST(ThreadUse, SmallSystemsLeaveTheOpenMPRuntimeAlone) {
+    if (dlsym(RTLD_DEFAULT, "kmp_get_blocktime") == nullptr)
+        GTEST_SKIP() << "built without LLVM's OpenMP runtime";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto const solve = [](std::size_t equations, std::size_t rightHandSides) {
+        setenv("OMP_DISPLAY_ENV", "TRUE", 1);
+        Matrix2 a(equations, equations, 0.0);
+        for (std::size_t i = 0; i < equations; ++i)
+            a[i][i] = 2.0;
+        Matrix2 b(equations, rightHandSides, 1.0);
+        return BLAS::gesv(a, b) && b[rightHandSides - 1][equations - 1] == 0.5;
+    };
+    auto const solveSmall = [&] {
+        for (std::size_t const equations : {1, 2, 4, 8, 12})
+            for (std::size_t const rightHandSides : {1, 2, 8, 16})
+                if (!solve(equations, rightHandSides))
+                    std::exit(1);
+        std::exit(0);
+    };
+    EXPECT_EXIT(solveSmall(), testing::ExitedWithCode(0), "^$");
+    EXPECT_EXIT(std::exit(solve(order, 1) ? 0 : 1), testing::ExitedWithCode(0), "OPENMP DISPLAY ENVIRONMENT");
 }
 
 // The same when the threads were there once, in the parent.
