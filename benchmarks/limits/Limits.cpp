@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,9 @@ namespace Tervane::Math::Bench {
 namespace {
 
 using Lanes __attribute__((vector_size(64))) = double;
+
+/// `out[i]` from `a[i]` and `b[i]` in one loop; `out` may be `a`.
+using Loop = void (*)(double const* a, double const* b, double* out, std::size_t n);
 
 template<class Expression>
 void loop(double const* a, double const* b, double* out, std::size_t n) {
@@ -44,6 +48,16 @@ constexpr std::pair<char const*, Loop> loops[] = {
     {"a+b+a", loopFor([](A a, B b) { return a + b + a; })},
     {"a*b+b-a", loopFor([](A a, B b) { return a * b + b - a; })},
 };
+
+Loop loopOf(std::string const& expression) {
+    auto const* const found = std::find_if(std::begin(loops), std::end(loops),
+                                           [&](auto const& known) { return expression == known.first; });
+    if (found == std::end(loops)) {
+        std::fprintf(stderr, "no loop for the expression %s\n", expression.c_str());
+        std::exit(1);
+    }
+    return found->second;
+}
 
 /// As many running sums as hide the latency of an addition.
 double read(double const* x, std::size_t n) {
@@ -94,16 +108,6 @@ void add(std::string const& subject, long n, auto const& run, int threads = 1) {
 }
 
 } // namespace
-
-Loop loopOf(std::string const& expression) {
-    auto const* const found = std::find_if(std::begin(loops), std::end(loops),
-                                           [&](auto const& known) { return expression == known.first; });
-    if (found == std::end(loops)) {
-        std::fprintf(stderr, "no loop for the expression %s\n", expression.c_str());
-        std::exit(1);
-    }
-    return found->second;
-}
 
 void registerLoopLimit(std::string const& subject, std::string const& expression, long n, LoopShape shape) {
     auto const length = static_cast<std::size_t>(n * shape.doublesPerElement);

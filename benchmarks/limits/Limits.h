@@ -6,24 +6,19 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstddef>
 #include <string>
 
 namespace Tervane::Math::Bench {
-
-/// `out[i]` from `a[i]` and `b[i]` in one loop; `out` may be `a`.
-using Loop = void (*)(double const* a, double const* b, double* out, std::size_t n);
-
-/// The loop of the expression, written as in the plots: "a+b", "a*s" and so on. Ends the program when it is
-/// not listed.
-Loop loopOf(std::string const& expression);
 
 struct LoopShape {
     bool isInPlace = false; ///< the result takes `a`'s storage
     long doublesPerElement = 1;
 };
 
-/// Registers `subject/limit/n`: the expression's loop over `n` elements.
+/// Registers `subject/limit/n`: the loop of an expression over `n` elements. Ends the program when there is
+/// no loop for it.
+///
+/// @param expression as in the plots: "a+b", "a*s" and so on
 void registerLoopLimit(std::string const& subject, std::string const& expression, long n,
                        LoopShape shape = {});
 

@@ -35,8 +35,8 @@ void solve(benchmark::State& state, Solve const& solveOnce) {
 
 [[maybe_unused]] bool const registered = [] {
     for (auto const m : {4, 16, 64, 128, 256}) {
-        // Of a fit by orthogonal factors, for both drivers: 2 m n^2 - 2/3 n^3 for the factors, then 4 m n -
-        // n^2.
+        // Of a fit by orthogonal factors, for both drivers: 2 m n^2 - 2/3 n^3 for the factors, then
+        // 4 m n - n^2.
         double const rows = m, columns = rows / 4.0;
         double const operations = 2.0 * rows * columns * columns - 2.0 / 3.0 * columns * columns * columns
                                   + 4.0 * rows * columns - columns * columns;
