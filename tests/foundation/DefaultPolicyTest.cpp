@@ -98,6 +98,13 @@ TEST(ParallelPolicies, SpreadElementwiseWorkOverThreads) {
     setExecutionPolicy(ParallelUnsequenced);
 }
 
+TEST(ParallelPolicies, SpreadElementwiseWorkOfEveryThread) {
+    if (hasOneThread())
+        GTEST_SKIP() << "this machine has one hardware thread";
+    EXPECT_GT(threadsAtWork(), 1u);
+    std::thread([] { EXPECT_GT(threadsAtWork(), 1u) << "on a thread that did not start the others"; }).join();
+}
+
 } // namespace
 
 } // namespace Tervane::Math

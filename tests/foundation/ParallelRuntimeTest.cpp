@@ -8,18 +8,25 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
+#include <oneapi/tbb/global_control.h>
 #include <oneapi/tbb/task_arena.h>
 #include <pthread.h>
+#include <sched.h>
 #include <sys/resource.h>
+#include <sys/sysinfo.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -27,7 +34,9 @@
 namespace {
 
 std::atomic<int> threadsAllowed{1'000};
+std::atomic<int> threadsAskedFor{0};
 std::atomic<bool> isRuntimesAllocatorInstalled{true};
+std::atomic<int> believedProcessors{0}; // 0: those that there are
 
 } // namespace
 
@@ -43,9 +52,20 @@ extern "C" __attribute__((visibility("default"))) int
 pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*routine)(void*), void* argument) {
     using Create = int (*)(pthread_t*, pthread_attr_t const*, void* (*)(void*), void*);
     static auto const create = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+    ++threadsAskedFor;
     if (threadsAllowed.fetch_sub(1) <= 0)
         return EAGAIN;
     return create(thread, attributes, routine, argument);
+}
+
+// Whom the C++ library asks for std::thread::hardware_concurrency.
+extern "C" __attribute__((visibility("default"))) int get_nprocs() noexcept;
+
+int get_nprocs() noexcept {
+    cpu_set_t allowed;
+    if (believedProcessors != 0)
+        return believedProcessors;
+    return sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? CPU_COUNT(&allowed) : 1;
 }
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -92,18 +112,48 @@ private:
     double _expected = 0.0;
 };
 
+/// The runtime's threads beside those that the process had when this was made.
+class Workers {
+public:
+    /// Whether there is one for each processor but the caller's, or soon will be.
+    bool areThere() const {
+        using Clock = std::chrono::steady_clock;
+        auto const deadline = Clock::now() + std::chrono::seconds(10);
+        while (threadsOfProcess() != _threadsBefore + std::thread::hardware_concurrency() - 1) {
+            if (Clock::now() > deadline)
+                return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
+private:
+    static std::size_t threadsOfProcess() {
+        std::filesystem::directory_iterator const tasks("/proc/self/task");
+        return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+    }
+
+    std::size_t _threadsBefore = threadsOfProcess();
+};
+
+/// Whether a fault may cost the process its parallel runtime for good, because it can come when the runtime
+/// has begun to start.
+enum class Loss { OfNothing, OfTheRuntime };
+
 /// Three operations in the middle of a fault, and three, here and on another thread, when it is over.
 template<class Fault, class... Arguments>
-void exitAfterWorkDuring(AlgorithmExecutionPolicy policy, Arguments... arguments) {
+void exitAfterWorkDuring(AlgorithmExecutionPolicy policy, Loss loss, Arguments... arguments) {
     alarm(timeLimitInSeconds);
     Work work(policy);
+    Workers const workers;
     {
         Fault const fault(arguments...);
         work(3);
     }
     work(3);
     std::thread([&] { work(3); }).join();
-    std::exit(work.isRight() ? EXIT_SUCCESS : EXIT_FAILURE);
+    std::exit(work.isRight() && (loss == Loss::OfTheRuntime || workers.areThere()) ? EXIT_SUCCESS
+                                                                                   : EXIT_FAILURE);
 }
 
 /// The same where the runtime has been started, with a thread that has never used it.
@@ -170,6 +220,73 @@ void exitAfterWorkInASmallArena(AlgorithmExecutionPolicy policy) {
     std::exit(work.isRight() ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
+// Long enough for threads that have no work to sleep, or to end where nothing keeps them.
+void letThreadsRest() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+}
+
+/// The same where the host allows the runtime more threads than there were at its start.
+void exitAfterWorkUnderALiftedLimit(AlgorithmExecutionPolicy policy) {
+    alarm(timeLimitInSeconds);
+    believedProcessors = 8;
+    constexpr auto setting = tbb::global_control::max_allowed_parallelism;
+    tbb::global_control const later(setting, 8);
+    tbb::task_arena arena(8);
+    Work work(policy);
+    Workers const workers;
+    {
+        tbb::global_control const first(setting, 2);
+        arena.execute([&] { work(3); });
+        letThreadsRest();
+    }
+    arena.execute([&] {
+        {
+            ThreadLimit const fault(0);
+            work(3);
+        }
+        work(3);
+    });
+    std::exit(work.isRight() && workers.areThere() ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+/// Work without the heap where there are so many threads that not only the calling one hands shares on.
+void exitAfterWorkOfManyThreadsWithoutAllocations(AlgorithmExecutionPolicy policy) {
+    alarm(timeLimitInSeconds);
+    believedProcessors = 8;
+    tbb::global_control const limit(tbb::global_control::max_allowed_parallelism, 8);
+    Work work(policy);
+    tbb::task_arena arena(8);
+    arena.execute([&] {
+        work(3);
+        FaultyHeap const fault(1, FaultyHeap::Faults::AllFromThere);
+        work(1'000);
+    });
+    std::exit(work.isRight() ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+/// Work on a thread that ends, and then on this one, for which no thread is to be started.
+void exitAfterWorkOfOneThreadAfterTheOther(AlgorithmExecutionPolicy policy) {
+    alarm(timeLimitInSeconds);
+    Work work(policy);
+    Workers const workers;
+    std::thread([&] { work(1); }).join();
+    letThreadsRest();
+    bool const areKept = workers.areThere();
+    threadsAskedFor = 0;
+    work(3);
+    std::exit(work.isRight() && areKept && threadsAskedFor == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+/// So many operations while no thread is to be had.
+void exitWithTheNumberOfThreadsAskedForDuring(int operations, AlgorithmExecutionPolicy policy) {
+    alarm(timeLimitInSeconds);
+    Work work(policy);
+    ThreadLimit const fault(0);
+    threadsAskedFor = 0;
+    work(operations);
+    std::exit(work.isRight() ? threadsAskedFor.load() : -1);
+}
+
 class ParallelRuntime : public testing::TestWithParam<AlgorithmExecutionPolicy> {
 protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
@@ -177,35 +294,53 @@ protected:
 
 using testing::ExitedWithCode;
 
-/// Lets the allocations 1 to `last` fail one by one, and all from there on.
-void expectWorkIsDoneWithout(AlgorithmExecutionPolicy policy, std::size_t last) {
-    for (std::size_t n = 1; n <= last; ++n)
+// So many blocks are asked for before a thread enters the runtime. Those that follow are the runtime's own.
+constexpr std::size_t blocksAskedFor = 128;
+
+/// Lets the allocations from `first` to `last` fail one by one, and all from there on, while `exitAfterWork`
+/// is at work.
+void expectSuccessWithoutAllocations(
+    std::size_t first, std::size_t last,
+    std::function<void(std::size_t, FaultyHeap::Faults)> const& exitAfterWork) {
+    for (std::size_t n = first; n <= last; ++n)
         for (auto const faults : {FaultyHeap::Faults::One, FaultyHeap::Faults::AllFromThere}) {
-            EXPECT_EXIT(exitAfterWorkDuring<FaultyHeap>(policy, n, faults), ExitedWithCode(EXIT_SUCCESS), "")
+            EXPECT_EXIT(exitAfterWork(n, faults), ExitedWithCode(EXIT_SUCCESS), "")
                 << "allocation " << n << (faults == FaultyHeap::Faults::One ? "" : " and all that follow");
+            if (testing::Test::HasFailure())
+                return; // each that hangs would take its minute
         }
 }
 
+void expectWorkIsDoneWithoutAllocations(AlgorithmExecutionPolicy policy) {
+    auto const exitAfterWork = [=](std::size_t n, FaultyHeap::Faults faults) {
+        exitAfterWorkDuring<FaultyHeap>(policy, n <= blocksAskedFor ? Loss::OfNothing : Loss::OfTheRuntime, n,
+                                        faults);
+    };
+    // Ten of the runtime's own break its start in the middle. Of later ones some end the process: the 13th is
+    // for a message of the C library's, and what the workers take is taken where nobody catches anything.
+    expectSuccessWithoutAllocations(1, 60, exitAfterWork);
+    expectSuccessWithoutAllocations(blocksAskedFor - 1, blocksAskedFor + 10, exitAfterWork);
+}
+
 /// The same for allocations of a thread that has never used the runtime.
-void expectWorkOfANewThreadIsDoneWithout(AlgorithmExecutionPolicy policy) {
-    for (std::size_t n = 1; n <= 200; n += 7)
-        for (auto const faults : {FaultyHeap::Faults::One, FaultyHeap::Faults::AllFromThere}) {
-            EXPECT_EXIT(exitAfterWorkOfANewThreadDuring<FaultyHeap>(policy, n, faults),
-                        ExitedWithCode(EXIT_SUCCESS), "")
-                << "allocation " << n << (faults == FaultyHeap::Faults::One ? "" : " and all that follow");
-        }
+void expectWorkOfANewThreadIsDoneWithoutAllocations(AlgorithmExecutionPolicy policy) {
+    auto const exitAfterWork = [=](std::size_t n, FaultyHeap::Faults faults) {
+        exitAfterWorkOfANewThreadDuring<FaultyHeap>(policy, n, faults);
+    };
+    expectSuccessWithoutAllocations(1, 3, exitAfterWork);
+    expectSuccessWithoutAllocations(blocksAskedFor - 1, blocksAskedFor + 50, exitAfterWork);
 }
 
 TEST_P(ParallelRuntime, IsDoneWithoutWhenAnAllocationFails) {
     if (!FaultyHeap::isSupported())
         GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
-    expectWorkIsDoneWithout(GetParam(), 60);
+    expectWorkIsDoneWithoutAllocations(GetParam());
 }
 
 TEST_P(ParallelRuntime, IsDoneWithoutWhenAnAllocationOfANewThreadFails) {
     if (!FaultyHeap::isSupported())
         GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
-    expectWorkOfANewThreadIsDoneWithout(GetParam());
+    expectWorkOfANewThreadIsDoneWithoutAllocations(GetParam());
 }
 
 // The runtime then takes everything from the heap.
@@ -213,8 +348,8 @@ TEST_P(ParallelRuntime, IsDoneWithoutWhenAnAllocationFailsWhereItHasNoAllocatorO
     if (!FaultyHeap::isSupported())
         GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
     isRuntimesAllocatorInstalled = false;
-    expectWorkIsDoneWithout(GetParam(), 120);
-    expectWorkOfANewThreadIsDoneWithout(GetParam());
+    expectWorkIsDoneWithoutAllocations(GetParam());
+    expectWorkOfANewThreadIsDoneWithoutAllocations(GetParam());
     isRuntimesAllocatorInstalled = true;
 }
 
@@ -224,7 +359,7 @@ TEST_P(ParallelRuntime, IsDoneWithoutWhereNoAddressSpaceIsLeft) {
 #endif
     for (std::size_t const kibibytes : {0, 64, 256, 1'024, 2'048, 4'096, 4'200, 5'120, 6'144, 8'192, 10'240,
                                         12'288, 16'384, 32'768, 37'000, 65'536}) {
-        EXPECT_EXIT(exitAfterWorkDuring<AddressSpaceLimit>(GetParam(), kibibytes * 1'024),
+        EXPECT_EXIT(exitAfterWorkDuring<AddressSpaceLimit>(GetParam(), Loss::OfNothing, kibibytes * 1'024),
                     ExitedWithCode(EXIT_SUCCESS), "")
             << kibibytes << " KiB to spare";
         EXPECT_EXIT(exitAfterWorkOfANewThreadDuring<AddressSpaceLimit>(GetParam(), kibibytes * 1'024),
@@ -234,9 +369,12 @@ TEST_P(ParallelRuntime, IsDoneWithoutWhereNoAddressSpaceIsLeft) {
 }
 
 TEST_P(ParallelRuntime, IsDoneWithoutWhereThreadsAreRefused) {
-    auto const most = static_cast<int>(2 * std::thread::hardware_concurrency());
-    for (int threads = 0; threads <= most; ++threads) {
-        EXPECT_EXIT(exitAfterWorkDuring<ThreadLimit>(GetParam(), threads), ExitedWithCode(EXIT_SUCCESS), "")
+    auto const workers = static_cast<int>(std::thread::hardware_concurrency()) - 1;
+    for (int threads = 0; threads <= 2 * workers + 2; ++threads) {
+        // Enough to find that threads can be had, and then too few.
+        Loss const loss = threads >= workers && threads < 2 * workers ? Loss::OfTheRuntime : Loss::OfNothing;
+        EXPECT_EXIT(exitAfterWorkDuring<ThreadLimit>(GetParam(), loss, threads), ExitedWithCode(EXIT_SUCCESS),
+                    "")
             << threads << " threads";
         EXPECT_EXIT(exitAfterWorkOfANewThreadDuring<ThreadLimit>(GetParam(), threads),
                     ExitedWithCode(EXIT_SUCCESS), "")
@@ -246,6 +384,34 @@ TEST_P(ParallelRuntime, IsDoneWithoutWhereThreadsAreRefused) {
 
 TEST_P(ParallelRuntime, StartsItsThreadsFromAnArenaWithoutPlacesForThem) {
     EXPECT_EXIT(exitAfterWorkInASmallArena(GetParam()), ExitedWithCode(EXIT_SUCCESS), "");
+}
+
+TEST_P(ParallelRuntime, StartsThreadsThatAHostAllowsLater) {
+    EXPECT_EXIT(exitAfterWorkUnderALiftedLimit(GetParam()), ExitedWithCode(EXIT_SUCCESS), "");
+}
+
+TEST_P(ParallelRuntime, KeepsItsThreadsWhenTheOneThatStartedThemEnds) {
+    EXPECT_EXIT(exitAfterWorkOfOneThreadAfterTheOther(GetParam()), ExitedWithCode(EXIT_SUCCESS), "");
+}
+
+TEST_P(ParallelRuntime, HasOnEachThreadWhatALoopTakesFromTheHeap) {
+    if (!FaultyHeap::isSupported())
+        GTEST_SKIP() << "the sanitizers' heap cannot be made to fail";
+    for (bool const isInstalled : {true, false}) {
+        isRuntimesAllocatorInstalled = isInstalled;
+        EXPECT_EXIT(exitAfterWorkOfManyThreadsWithoutAllocations(GetParam()), ExitedWithCode(EXIT_SUCCESS),
+                    "")
+            << "its own allocator is installed: " << isInstalled;
+    }
+    isRuntimesAllocatorInstalled = true;
+}
+
+// Asking costs more than a short operation.
+TEST_P(ParallelRuntime, AsksForThreadsEverMoreSeldomWhereTheyAreRefused) {
+    if (std::thread::hardware_concurrency() < 2)
+        GTEST_SKIP() << "this machine has one hardware thread";
+    // The 1st, 2nd, 4th, ..., 1,024th, 2,048th and 3,072nd operation asks.
+    EXPECT_EXIT(exitWithTheNumberOfThreadsAskedForDuring(3'072, GetParam()), ExitedWithCode(13), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(EachParallelPolicy, ParallelRuntime, testing::Values(Parallel, ParallelUnsequenced),
