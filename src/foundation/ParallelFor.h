@@ -24,18 +24,15 @@ public:
         : _body(std::addressof(body)),
           _call([](void const* b, std::size_t chunk, std::size_t first, std::size_t last) {
               (*static_cast<Body const*>(b))(chunk, first, last);
-          }),
-          _handOver(_body) {}
+          }) {}
 
     void operator()(std::size_t chunk, std::size_t first, std::size_t last) const {
-        HandOver::Share const share(_handOver);
         _call(_body, chunk, first, last);
     }
 
 private:
     void const* _body;
     void (*_call)(void const*, std::size_t, std::size_t, std::size_t);
-    [[no_unique_address]] HandOver _handOver;
 };
 
 /// Keeps of the exceptions that chunks end with the one that a single thread, which runs them in their order,
@@ -90,22 +87,26 @@ std::size_t runInChunks(std::size_t n, std::size_t granule, std::size_t shortest
 
     std::atomic<std::size_t> next{0};
     FirstFailure failure;
-    auto const work = [=, &next, &failure]() noexcept {
-        for (std::size_t chunk = 0; (chunk = next.fetch_add(1, std::memory_order_relaxed)) < count;) {
-            std::size_t const begin = chunk * chunkLength;
-            try {
-                body(chunk, begin, std::min(begin + chunkLength, n));
-            } catch (...) {
-                failure.note(chunk);
+    {
+        HandOver const handOver(&failure);
+        auto const work = [=, &handOver, &next, &failure]() noexcept {
+            HandOver::Share const share(handOver);
+            for (std::size_t chunk = 0; (chunk = next.fetch_add(1, std::memory_order_relaxed)) < count;) {
+                std::size_t const begin = chunk * chunkLength;
+                try {
+                    body(chunk, begin, std::min(begin + chunkLength, n));
+                } catch (...) {
+                    failure.note(chunk);
+                }
             }
+        };
+        try {
+            spread(count, work);
+        } catch (std::bad_alloc const&) {
+            // A runtime short of memory; what it ran is done.
         }
-    };
-    try {
-        spread(count, work);
-    } catch (std::bad_alloc const&) {
-        // A runtime short of memory; what it ran is done.
+        work();
     }
-    work();
     failure.rethrow();
     return count;
 }

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <initializer_list>
 #include <new>
@@ -103,6 +105,34 @@ TEST(ParallelFor, LeavesWithTheExceptionThatOneThreadWouldHaveMet) {
         }
         EXPECT_EQ(failures, std::thread::hardware_concurrency() > 1 ? 1u : 0u);
         EXPECT_TRUE(std::all_of(visits.begin(), visits.end(), [](auto const& v) { return v == 1; }));
+    }
+}
+
+/// Writes where the frames of a call were that has returned, so that the thread sanitizer sees whether another
+/// thread's accesses to them are known to be over.
+[[gnu::noinline]] void reuseStack() {
+    std::array<char volatile, 16'384> bytes;
+    for (char volatile& byte : bytes)
+        byte = 0;
+}
+
+TEST(ParallelFor, LeavesWithAnExceptionOfAnotherThread) {
+    if (std::thread::hardware_concurrency() < 2)
+        GTEST_SKIP() << "this machine has one hardware thread";
+    auto const caller = std::this_thread::get_id();
+    for (int i = 0; i < 100; ++i) {
+        std::atomic<bool> hasOtherCome = false;
+        auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        auto const failOnOtherThread = [&](std::size_t chunk, std::size_t /*begin*/, std::size_t /*end*/) {
+            if (std::this_thread::get_id() != caller) {
+                hasOtherCome.store(true, std::memory_order_relaxed);
+                throw chunk;
+            }
+            while (!hasOtherCome.load(std::memory_order_relaxed) && std::chrono::steady_clock::now() < end)
+                std::this_thread::yield();
+        };
+        EXPECT_THROW(parallelFor(Parallel, 2'000, 100, failOnOtherThread), std::size_t);
+        reuseStack();
     }
 }
 
