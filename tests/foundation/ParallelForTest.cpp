@@ -108,8 +108,8 @@ TEST(ParallelFor, LeavesWithTheExceptionThatOneThreadWouldHaveMet) {
     }
 }
 
-/// Writes where the frames of a call were that has returned, so that the thread sanitizer sees whether another
-/// thread's accesses to them are known to be over.
+/// Writes where the frames of returned calls were: the thread sanitizer reports a race unless it knows that
+/// other threads' accesses to them are over.
 [[gnu::noinline]] void reuseStack() {
     std::array<char volatile, 16'384> bytes;
     for (char volatile& byte : bytes)
