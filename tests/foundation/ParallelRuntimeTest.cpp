@@ -227,9 +227,23 @@ void exitAfterWorkInASmallArena(AlgorithmExecutionPolicy policy) {
     std::exit(work.isRight() ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-// Long enough for threads that have no work to sleep, or to end where nothing keeps them.
+bool otherThreadsSleep() {
+    for (auto const& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream file(task.path() / "stat"); // number (name) state ...
+        std::string const stat(std::istreambuf_iterator<char>(file), {});
+        std::size_t const nameEnd = stat.rfind(')');
+        if (nameEnd != std::string::npos && stat.substr(nameEnd + 2, 1) != "S"
+            && task.path().filename() != std::to_string(gettid()))
+            return false;
+    }
+    return true;
+}
+
+// Until threads that have no work sleep, or have ended where nothing keeps them. On a busy machine that can
+// take long, and until then the runtime may start more of them by itself.
 void letThreadsRest() {
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    for (int looks = 0; looks < 20; looks = otherThreadsSleep() ? looks + 1 : 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }
 
 /// The same where the host allows the runtime more threads than there were at its start.
