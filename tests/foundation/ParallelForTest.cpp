@@ -108,6 +108,31 @@ TEST(ParallelFor, LeavesWithTheExceptionThatOneThreadWouldHaveMet) {
     }
 }
 
+TEST(ParallelFor, LeavesWithTheExceptionOfTheFirstChunkWhenALaterOneFailsSooner) {
+    std::atomic<bool> hasLaterOneFailed = false;
+    std::size_t thrown = 0;
+    try {
+        runInChunks(
+            32, 8, 8, 4,
+            [&](std::size_t chunk, std::size_t /*begin*/, std::size_t /*end*/) {
+                if (chunk == 3) // by the thread that is through with chunk 2
+                    hasLaterOneFailed = true;
+                while (chunk == 1 && !hasLaterOneFailed)
+                    std::this_thread::yield();
+                if (chunk != 0)
+                    throw chunk;
+            },
+            [](std::size_t /*count*/, auto const& work) {
+                std::thread other(work);
+                work();
+                other.join();
+            });
+    } catch (std::size_t chunk) {
+        thrown = chunk;
+    }
+    EXPECT_EQ(thrown, 1u);
+}
+
 /// Writes where the frames of returned calls were: the thread sanitizer reports a race unless it knows that
 /// other threads' accesses to them are over.
 [[gnu::noinline]] void reuseStack() {
