@@ -83,13 +83,15 @@ namespace {
 
 using TestKit::FaultyHeap;
 
-constexpr std::size_t length = 200'000;
+// Both are long enough for several threads, the second short enough for very many operations.
+constexpr std::size_t usualLength = 200'000;
+constexpr std::size_t shortLength = 40'000;
 constexpr unsigned timeLimitInSeconds = 60;
 
 /// A sum that grows by one with every operation.
 class Work {
 public:
-    explicit Work(AlgorithmExecutionPolicy policy) {
+    explicit Work(AlgorithmExecutionPolicy policy, std::size_t length = usualLength) {
         setExecutionPolicy(Inline); // the vectors are made without the runtime
         _sum = Vector2(length, 0.0);
         _one = Vector2(length, 1.0);
@@ -104,7 +106,8 @@ public:
     }
 
     bool isRight() const {
-        return std::all_of(_sum.data(), _sum.data() + length, [this](double x) { return x == _expected; });
+        return std::all_of(_sum.data(), _sum.data() + _sum.length(),
+                           [this](double x) { return x == _expected; });
     }
 
 private:
@@ -301,7 +304,7 @@ void exitAfterWorkOfOneThreadAfterTheOther(AlgorithmExecutionPolicy policy) {
 /// So many operations while no thread is to be had.
 void exitWithTheNumberOfThreadsAskedForDuring(int operations, AlgorithmExecutionPolicy policy) {
     alarm(timeLimitInSeconds);
-    Work work(policy);
+    Work work(policy, shortLength);
     ThreadLimit const fault(0);
     threadsAskedFor = 0;
     work(operations);
