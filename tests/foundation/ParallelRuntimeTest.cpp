@@ -118,12 +118,13 @@ private:
 /// The runtime's threads beside those that the process had when this was made.
 class Workers {
 public:
-    /// Whether there is one for each processor but the caller's, or soon will be.
+    /// Whether there is one for each processor but the caller's, or soon will be. There may be more: where
+    /// work comes while one goes to sleep, the runtime starts another.
     bool areThere() const {
         using Clock = std::chrono::steady_clock;
         auto const deadline = Clock::now() + std::chrono::seconds(10);
         auto const expected = _threadsBefore + sanitizersThreads + std::thread::hardware_concurrency() - 1;
-        while (threadsOfProcess() != expected) {
+        while (threadsOfProcess() < expected) {
             if (Clock::now() > deadline)
                 return false;
             std::this_thread::yield();
