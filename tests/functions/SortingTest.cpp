@@ -104,6 +104,24 @@ TEST(Sorting, NaNsCostNoElementAndTheRestIsInOrder) {
     }
 }
 
+TEST(Sorting, ASingleNaNComesLastFromWhereverItStood) {
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    for (std::ptrdiff_t numbers = 0; numbers <= 40; ++numbers) {
+        std::vector<double> expected(static_cast<std::size_t>(numbers));
+        std::iota(expected.begin(), expected.end(), 1.0);
+        std::vector<double> const falling(expected.rbegin(), expected.rend());
+        expected.push_back(nan);
+        for (std::ptrdiff_t place = 0; place <= numbers; ++place) {
+            std::vector<double> input = falling;
+            input.insert(input.begin() + place, nan);
+            Vector legacy(input.data(), input.size());
+            EXPECT_TRUE(sameBits(elementsOf(legacy.sort()), expected)) << place << " of " << numbers;
+            Vector2 const sorted = sort(Vector2(input.data(), input.size()));
+            EXPECT_TRUE(sameBits(elementsOf(sorted), expected)) << place << " of " << numbers;
+        }
+    }
+}
+
 TEST(Sorting, EveryBitPatternComesBackOnceAndNaNsComeLast) {
     std::vector<double> patterns = specialValues(200);
     std::uint64_t const extremes[] = {0x7ff0000000000001, 0x7fffffffffffffff, 0xfff0000000000001,
