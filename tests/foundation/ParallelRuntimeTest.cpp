@@ -2,6 +2,7 @@
 // whose parallel runtime has not been started, so each is the exit of a child that begins anew.
 
 #include "kit/Allocations.h"
+#include "kit/Threads.h"
 
 #include <Math/Math.h>
 
@@ -82,6 +83,7 @@ namespace Tervane::Math {
 namespace {
 
 using TestKit::FaultyHeap;
+using TestKit::threadsOfThisProcess;
 
 // Both are long enough for several threads, the second short enough for very many operations.
 constexpr std::size_t usualLength = 200'000;
@@ -124,7 +126,7 @@ public:
         using Clock = std::chrono::steady_clock;
         auto const deadline = Clock::now() + std::chrono::seconds(10);
         auto const expected = _threadsBefore + sanitizersThreads + std::thread::hardware_concurrency() - 1;
-        while (threadsOfProcess() < expected) {
+        while (threadsOfThisProcess() < expected) {
             if (Clock::now() > deadline)
                 return false;
             std::this_thread::yield();
@@ -133,18 +135,13 @@ public:
     }
 
 private:
-    static std::size_t threadsOfProcess() {
-        std::filesystem::directory_iterator const tasks("/proc/self/task");
-        return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-    }
-
 #if defined(__SANITIZE_THREAD__)
     static constexpr std::size_t sanitizersThreads = 1; // starts with the first of the others
 #else
     static constexpr std::size_t sanitizersThreads = 0;
 #endif
 
-    std::size_t _threadsBefore = threadsOfProcess();
+    std::size_t _threadsBefore = threadsOfThisProcess();
 };
 
 /// Whether a fault may cost the process its parallel runtime for good, because it can come when the runtime

@@ -5,6 +5,7 @@
 #include "kit/Lengths.h"
 #include "kit/Policies.h"
 #include "kit/SpecialValues.h"
+#include "kit/Threads.h"
 #include "legacy/Access.h"
 
 #include <Math/ComplexVector.h>
@@ -18,8 +19,6 @@
 #include <complex>
 #include <cstddef>
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -39,6 +38,7 @@ using TestKit::AllocationCounter;
 using TestKit::forEachPolicy;
 using TestKit::partsOf;
 using TestKit::sameBits;
+using TestKit::threadsOfThisProcess;
 
 using Complex = std::complex<double>;
 using Values = std::vector<double>;
@@ -404,20 +404,15 @@ TEST(ComplexVectorArithmetic, ByARealVectorMakesACopyOfItThatNobodyReads) {
     }
 }
 
-std::ptrdiff_t threadCount() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
-                         std::filesystem::directory_iterator());
-}
-
 /// Ends the process: with 0 when `product` left its threads as they were, with 1 when there are more now.
 template<class Product>
 [[noreturn]] void exitWithNewThreads(Product const& product) {
     setExecutionPolicy(Parallel);
     std::size_t const n = 8 * Detail::parallelLimit(Detail::ElementCost::Streaming);
     ComplexVector z(n);
-    std::ptrdiff_t const before = threadCount();
+    std::size_t const before = threadsOfThisProcess();
     product(z, n);
-    std::_Exit(threadCount() > before ? 1 : 0);
+    std::_Exit(threadsOfThisProcess() > before ? 1 : 0);
 }
 
 // In processes of their own, where nothing has started the workers of the parallel policies yet.

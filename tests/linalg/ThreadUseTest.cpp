@@ -2,6 +2,7 @@
 // fork, a host that does something else in between, a host that traps floating-point exceptions.
 #include "kit/Allocations.h"
 #include "kit/Children.h"
+#include "kit/Threads.h"
 
 #include <Math/BLAS.h>
 #include <Math/FFT.h>
@@ -22,9 +23,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <thread>
 
 namespace Tervane::Math {
@@ -33,6 +32,7 @@ namespace {
 
 using TestKit::describe;
 using TestKit::runInChild;
+using TestKit::threadsOfThisProcess;
 
 /// Large enough for oneMKL to use its threads.
 constexpr std::size_t order = 300;
@@ -208,11 +208,6 @@ TEST(ThreadUse, IdleHostPaysForNoThreads) {
 /// Whether oneMKL has threads of its own here that a child of `fork` may use as well.
 bool hasThreadsToUse() {
     return std::thread::hardware_concurrency() > 1 && dlsym(RTLD_DEFAULT, "kmp_get_blocktime") != nullptr;
-}
-
-std::size_t threadsOfThisProcess() {
-    auto const tasks = std::filesystem::directory_iterator("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
 }
 
 // In a child, which has the calling thread only.
